@@ -1,0 +1,13 @@
+# What the project calls; docs/architecture.md says why each was chosen.
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets)
+find_package(fmt REQUIRED)
+find_package(nlohmann_json REQUIRED)
+find_package(Vulkan REQUIRED)
+find_package(SPIRV-Tools REQUIRED)
+find_package(Gettext REQUIRED)
+pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb)
+find_program(GLSLANG_VALIDATOR glslangValidator REQUIRED)
+find_program(SPIRV_LINK spirv-link REQUIRED)
+find_program(SPIRV_VAL spirv-val REQUIRED)

@@ -1,0 +1,128 @@
+#pragma once
+
+#include "platform/gpu/Resources.hpp"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <variant>
+#include <vector>
+
+namespace gpu {
+
+class Layer;
+
+/// One image of a layer, on its way from `nextDrawable` to the screen. The image is the layer's again when the last
+/// reference to the drawable is gone and the layer no longer shows it.
+class Drawable {
+public:
+    Drawable(const Drawable&) = delete;
+    Drawable& operator=(const Drawable&) = delete;
+    virtual ~Drawable() = default;
+
+    const std::shared_ptr<Texture>& texture() const { return _texture; }
+    /// Counts the drawables of a layer from 0.
+    std::uint64_t identifier() const { return _identifier; }
+    /// Null once the layer has gone.
+    std::shared_ptr<Layer> layer() const { return _layer.lock(); }
+
+protected:
+    Drawable() = default;
+    void assign(std::weak_ptr<Layer> layer, std::shared_ptr<Texture> texture, std::uint64_t identifier);
+
+private:
+    std::weak_ptr<Layer> _layer;
+    std::shared_ptr<Texture> _texture;
+    std::uint64_t _identifier = 0;
+};
+
+/// Sees every frame of a layer pass by. Called on the thread where the event happens: taken and committed on the
+/// drawing thread, scheduled and completed on the queue's completion thread. Must be quick and must not call back into
+/// the layer. `frameCompleted` comes before the completed handlers, so the drawable's texture may be read back in it.
+class FrameObserver {
+public:
+    virtual ~FrameObserver() = default;
+    virtual void drawableTaken(const Drawable& drawable) = 0;
+    virtual void frameCommitted(const Drawable& drawable) = 0;
+    virtual void frameScheduled(const Drawable& drawable) = 0;
+    virtual void frameCompleted(const Drawable& drawable, bool succeeded) = 0;
+};
+
+/// An X11 window to show frames in. The connection is an `xcb_connection_t*` that outlives the layer's use of it.
+struct XcbWindow {
+    void* connection = nullptr;
+    std::uint32_t window = 0;
+};
+
+/// Where finished frames are shown; `std::monostate` shows them nowhere.
+struct PresentationTarget {
+    std::variant<std::monostate, XcbWindow> window;
+    /// Called on the presenter thread just before the first frame is shown, to map the window. May be empty.
+    std::function<void()> willPresentFirstFrame;
+};
+
+/// A drawing surface: a small ring of images that frames are drawn into, and the window that shows them.
+/// Set up on the main thread before drawing; `nextDrawable` belongs to the drawing thread. The target and the drawable
+/// size may change at any time; images of the old size live on until their frames are done.
+class Layer : public std::enable_shared_from_this<Layer> {
+public:
+    Layer(const Layer&) = delete;
+    Layer& operator=(const Layer&) = delete;
+    virtual ~Layer() = default;
+
+    std::shared_ptr<Device> device() const;
+    void setDevice(std::shared_ptr<Device> device);
+    PixelFormat pixelFormat() const;
+    void setPixelFormat(PixelFormat format);
+    bool framebufferOnly() const;
+    void setFramebufferOnly(bool framebufferOnly);
+    ClearColor backgroundColor() const;
+    void setBackgroundColor(ClearColor color);
+    /// In pixels. Width and height below 1 yield no drawable.
+    Extent drawableSize() const;
+    void setDrawableSize(Extent size);
+
+    /// The next image to draw into, or null when there is no device, no size or no memory. Never waits for the screen.
+    std::shared_ptr<Drawable> nextDrawable();
+
+    /// Shows finished frames in this window from now on. Returns when the former window is no longer used, so that the
+    /// caller may destroy it.
+    void setPresentationTarget(PresentationTarget target);
+
+    /// Null takes the observer away; once this returns no call of the former one is running.
+    void setFrameObserver(std::shared_ptr<FrameObserver> observer);
+
+    /// Copies a drawable's pixels: width * height * 4 bytes in the layer's byte order, row 0 first. Blocks until the
+    /// GPU has copied. Works also when `framebufferOnly` is set; empty on failure.
+    std::vector<std::byte> readPixels(const Drawable& drawable);
+
+protected:
+    Layer() = default;
+
+    struct Configuration {
+        std::shared_ptr<Device> device;
+        PixelFormat pixelFormat = PixelFormat::BGRA8Unorm;
+        bool framebufferOnly = true;
+        ClearColor backgroundColor;
+        Extent drawableSize;
+    };
+    Configuration configuration() const;
+
+private:
+    friend class CommandBuffer;
+    void notify(void (FrameObserver::*event)(const Drawable&), const Drawable& drawable);
+    void notifyCompleted(const Drawable& drawable, bool succeeded);
+
+    virtual std::shared_ptr<Drawable> makeDrawable(const Configuration& configuration) = 0;
+    virtual void presentFinished(std::shared_ptr<Drawable> drawable) = 0;
+    virtual void changePresentationTarget(PresentationTarget target) = 0;
+    virtual std::vector<std::byte> copyPixels(const Drawable& drawable) = 0;
+
+    mutable std::mutex _mutex;
+    Configuration _configuration;
+    std::recursive_mutex _observerMutex;
+    std::shared_ptr<FrameObserver> _observer;
+};
+
+}  // namespace gpu
