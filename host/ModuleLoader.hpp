@@ -1,0 +1,17 @@
+#pragma once
+
+#include "platform/SaverModule.hpp"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <variant>
+
+namespace host {
+
+/// Opens the saver in a bundle directory, or in the default one when none is named: the bundle beside the program, then
+/// the installed one. The module stays loaded to the end of the process. On failure one line that says why.
+std::variant<const platform::SaverModule*, std::string> loadSaverModule(
+    const std::optional<std::filesystem::path>& bundle);
+
+}  // namespace host

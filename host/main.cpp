@@ -1,0 +1,117 @@
+#include "host/CommandLine.hpp"
+#include "host/HeadlessRun.hpp"
+#include "host/ModuleLoader.hpp"
+#include "host/TerminationSignals.hpp"
+#include "host/WindowRun.hpp"
+#include "host/WindowSystem.hpp"
+#include "platform/Paths.hpp"
+#include "platform/gpu/vulkan/VulkanBackend.hpp"
+#include "platform/ui/LayerWidget.hpp"
+
+#include <clocale>
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+namespace {
+
+constexpr int exitFailure = 1;
+constexpr int exitUsage = 2;
+
+int complain(std::string_view reason, int status) {
+    std::fprintf(stderr, "cirrane: %.*s\n", static_cast<int>(reason.size()), reason.data());
+    return status;
+}
+
+void print(std::string_view text) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+}
+
+gpu::vulkan::VulkanOptions vulkanOptions(const host::CommandLine& line) {
+    gpu::vulkan::VulkanOptions options;
+    options.device = line.device;
+    options.validate = line.validate;
+    options.validationMessage = [](std::string_view message) {
+        std::fprintf(stderr, "%.*s\n", static_cast<int>(message.size()), message.data());
+    };
+    options.pipelineCacheDirectory = platform::cacheDirectory() / "cirrane";
+    return options;
+}
+
+int listDevices(const host::CommandLine& line) {
+    const auto devices = gpu::vulkan::listDevices(vulkanOptions(line));
+    for (std::size_t i = 0; i < devices.size(); ++i) {
+        const auto& device = devices[i];
+        std::printf("%zu  %s  (%s, %s, Vulkan %s%s)\n", i, device.name.c_str(), device.kind.c_str(),
+                    device.driver.c_str(), device.apiVersion.c_str(),
+                    device.hasAllFeatures ? "" : "; lacks what Cirrane needs");
+    }
+    return devices.empty() ? complain("no Vulkan device found", exitFailure) : 0;
+}
+
+/// What either way of running comes to: a failure to report, or an end, perhaps by a signal.
+int finish(const std::optional<std::string>& failure, const host::TerminationSignals& signals) {
+    if (const auto signalNumber = signals.received()) {
+        host::TerminationSignals::raiseAgain(*signalNumber);
+    }
+    return failure ? complain(*failure, exitFailure) : 0;
+}
+
+int runHeadless(const host::CommandLine& line, const host::TerminationSignals& signals) {
+    gpu::setBackend(gpu::vulkan::makeVulkanBackend(vulkanOptions(line)));
+    host::prepareHeadlessEnvironment(line.headless);
+    const auto module = host::loadSaverModule(line.module);
+    if (const auto* reason = std::get_if<std::string>(&module)) {
+        return complain(*reason, exitFailure);
+    }
+    return finish(host::runHeadless(line.headless, *std::get<const platform::SaverModule*>(module), signals), signals);
+}
+
+int runWindow(const host::CommandLine& line, const host::TerminationSignals& signals) {
+    const host::WindowSystem windowSystem;
+    if (windowSystem.failure()) {
+        return complain(*windowSystem.failure(), exitFailure);
+    }
+    auto options = vulkanOptions(line);
+    const platform::X11Server server = platform::applicationX11Server();
+    options.presentation = gpu::vulkan::XcbServer{server.connection, server.visual};
+    gpu::setBackend(gpu::vulkan::makeVulkanBackend(std::move(options)));
+
+    const auto module = host::loadSaverModule(line.module);
+    if (const auto* reason = std::get_if<std::string>(&module)) {
+        return complain(*reason, exitFailure);
+    }
+    return finish(host::runWindow(*std::get<const platform::SaverModule*>(module), signals), signals);
+}
+
+int run(const std::vector<std::string_view>& arguments) {
+    const auto parsed = host::parseCommandLine(arguments);
+    if (const auto* reason = std::get_if<std::string>(&parsed)) {
+        return complain(*reason, exitUsage);
+    }
+    const auto& line = std::get<host::CommandLine>(parsed);
+    switch (line.mode) {
+        case host::Mode::Help: print(host::helpText()); return 0;
+        case host::Mode::Version: print("cirrane " CIRRANE_VERSION "\n"); return 0;
+        case host::Mode::ListDevices: return listDevices(line);
+        case host::Mode::Headless: return runHeadless(line, host::TerminationSignals());
+        case host::Mode::Window: return runWindow(line, host::TerminationSignals());
+    }
+    return exitFailure;
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments) {
+    std::signal(SIGPIPE, SIG_IGN);  // standard error may be a pipe that nobody reads any more
+    std::setlocale(LC_ALL, "");     // NOLINT(concurrency-mt-unsafe): no other thread runs yet
+    try {
+        return run({arguments + 1, arguments + argumentCount});
+    } catch (const std::exception& exception) {
+        return complain(exception.what(), exitFailure);
+    }
+}

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "platform/HostView.hpp"
+#include "platform/ui/X11LayerWindow.hpp"
+
+#include <QtCore/QTimer>
+#include <QtWidgets/QWidget>
+#include <functional>
+#include <memory>
+
+namespace gpu {
+class Layer;
+}
+
+namespace platform {
+
+/// A plain widget that can show a GPU layer's frames: they lie in a native child window that covers it while it is
+/// visible. Main thread. Before it is destroyed, whatever draws into its layer must have been stopped.
+class LayerWidget : public QWidget {
+public:
+    /// How long a size must stand still before it counts.
+    static constexpr int sizeSettlingMilliseconds = 300;
+
+    explicit LayerWidget(QWidget* parent = nullptr);
+    ~LayerWidget() override;
+
+    /// This widget as the view that a renderer is attached to. Lives as long as the widget.
+    std::shared_ptr<HostView> hostView() const;
+
+    /// Called when the widget's size in pixels has changed and then stood still for a while. Meanwhile the picture is
+    /// stretched.
+    void setSizeSettledHandler(std::function<void()> handler) { _sizeSettled = std::move(handler); }
+
+    /// Shows this layer's frames, or none. Returns when the former layer's frames are no longer shown.
+    void setLayer(std::shared_ptr<gpu::Layer> layer);
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    class View;
+
+    PixelRect placeInWindow() const;
+    void showLayer();
+    void hideLayer();
+    void placeLayer();
+
+    std::shared_ptr<View> _view;
+    std::shared_ptr<gpu::Layer> _layer;
+    std::unique_ptr<X11LayerWindow> _layerWindow;
+    std::function<void()> _sizeSettled;
+    QTimer _settling;
+};
+
+/// What a Vulkan device must be able to present to in this application: null without an X11 connection.
+struct X11Server {
+    void* connection = nullptr;
+    std::uint32_t visual = 0;
+};
+X11Server applicationX11Server();
+
+}  // namespace platform
