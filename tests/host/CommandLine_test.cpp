@@ -1,0 +1,130 @@
+#include "host/CommandLine.hpp"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using host::CommandLine;
+using host::Mode;
+
+std::variant<CommandLine, std::string> parse(const std::vector<std::string_view>& arguments) {
+    return host::parseCommandLine(arguments);
+}
+
+CommandLine accepted(const std::vector<std::string_view>& arguments) {
+    auto parsed = parse(arguments);
+    if (const auto* complaint = std::get_if<std::string>(&parsed)) {
+        ADD_FAILURE() << "refused: " << *complaint;
+        return {};
+    }
+    return std::get<CommandLine>(std::move(parsed));
+}
+
+std::string refused(const std::vector<std::string_view>& arguments) {
+    auto parsed = parse(arguments);
+    if (auto* complaint = std::get_if<std::string>(&parsed)) {
+        return *complaint;
+    }
+    ADD_FAILURE() << "accepted";
+    return {};
+}
+
+TEST(CommandLine, WithoutArgumentsAsksForAWindow) {
+    EXPECT_EQ(accepted({}).mode, Mode::Window);
+}
+
+TEST(CommandLine, HeadlessHasSensibleDefaults) {
+    const CommandLine line = accepted({"--headless"});
+    EXPECT_EQ(line.mode, Mode::Headless);
+    EXPECT_EQ(line.headless.width, 1920U);
+    EXPECT_EQ(line.headless.height, 1080U);
+    EXPECT_EQ(line.headless.frames, 600U);
+    EXPECT_EQ(line.headless.framesPerSecond, 60.0);
+    EXPECT_FALSE(line.headless.realtime);
+    EXPECT_FALSE(line.headless.outputDirectory);
+}
+
+TEST(CommandLine, TakesEveryHeadlessOption) {
+    const CommandLine line = accepted({"--headless", "--size", "640x480", "--frames", "12",         "--fps", "59.94",
+                                       "--realtime", "--time", "-5",      "--set",    "Speed=0.25", "--set", "Zoom=1",
+                                       "--output",   "out",    "--every", "3",        "--stats",    "s.json"});
+    EXPECT_EQ(line.headless.width, 640U);
+    EXPECT_EQ(line.headless.height, 480U);
+    EXPECT_EQ(line.headless.frames, 12U);
+    EXPECT_EQ(line.headless.framesPerSecond, 59.94);
+    EXPECT_TRUE(line.headless.realtime);
+    EXPECT_EQ(line.headless.calendarSeconds, -5);
+    ASSERT_EQ(line.headless.settings.size(), 2U);
+    EXPECT_EQ(line.headless.settings[0], (std::pair<std::string, std::string>("Speed", "0.25")));
+    EXPECT_EQ(line.headless.settings[1], (std::pair<std::string, std::string>("Zoom", "1")));
+    EXPECT_EQ(line.headless.outputDirectory, "out");
+    EXPECT_EQ(line.headless.every, 3U);
+    EXPECT_EQ(line.headless.statisticsFile, "s.json");
+}
+
+TEST(CommandLine, TakesTheOptionsOfEveryMode) {
+    const CommandLine line = accepted({"--device", "llvmpipe", "--validate", "--module", "/x/Cirrane.saver"});
+    EXPECT_EQ(line.device, "llvmpipe");
+    EXPECT_TRUE(line.validate);
+    EXPECT_EQ(line.module, "/x/Cirrane.saver");
+    EXPECT_EQ(accepted({"--list-devices"}).mode, Mode::ListDevices);
+    EXPECT_EQ(accepted({"--version"}).mode, Mode::Version);
+    EXPECT_EQ(accepted({"--help"}).mode, Mode::Help);
+}
+
+TEST(CommandLine, RefusesAnUnknownOptionByName) {
+    EXPECT_EQ(refused({"--fast"}), "unknown option --fast (--help lists them)");
+    EXPECT_EQ(refused({"picture.png"}), "unknown option picture.png (--help lists them)");
+    EXPECT_EQ(refused({""}), "unknown option  (--help lists them)");
+}
+
+TEST(CommandLine, RefusesAnOptionWithoutItsValue) {
+    EXPECT_EQ(refused({"--headless", "--size"}), "--size needs a value");
+    EXPECT_EQ(refused({"--device", ""}), "--device needs a value");
+}
+
+TEST(CommandLine, RefusesHeadlessOptionsWithoutHeadless) {
+    EXPECT_EQ(refused({"--frames", "3"}), "--frames goes with --headless only");
+}
+
+TEST(CommandLine, RefusesEveryWithoutOutput) {
+    EXPECT_EQ(refused({"--headless", "--every", "3"}), "--every needs --output");
+}
+
+class RefusedValue : public testing::TestWithParam<std::pair<const char*, const char*>> {};
+
+TEST_P(RefusedValue, IsAClearLineThatNamesOptionAndValue) {
+    const auto [option, value] = GetParam();
+    const std::string complaint = refused({"--headless", "--output", "o", option, value});
+    EXPECT_EQ(complaint.find(std::string(option) + " " + value + ": "), 0U) << complaint;
+    EXPECT_EQ(complaint.find('\n'), std::string::npos);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    CommandLine, RefusedValue,
+    testing::Values(std::pair{"--size", "1920"}, std::pair{"--size", "x"}, std::pair{"--size", "12x"},
+                    std::pair{"--size", "-1x5"}, std::pair{"--size", "0x480"}, std::pair{"--size", "640x0"},
+                    std::pair{"--size", "16385x10"}, std::pair{"--size", "10x16385"},
+                    std::pair{"--size", "99999999999x10"}, std::pair{"--size", "10x10x10"},
+                    std::pair{"--size", "10 x10"}, std::pair{"--frames", "0"}, std::pair{"--frames", "-1"},
+                    std::pair{"--frames", "1.5"}, std::pair{"--frames", "99999999999999999999"},
+                    std::pair{"--fps", "0"}, std::pair{"--fps", "nan"}, std::pair{"--fps", "inf"},
+                    std::pair{"--fps", "1e9"}, std::pair{"--fps", "60,5"}, std::pair{"--time", "now"},
+                    std::pair{"--set", "Speed"}, std::pair{"--set", "Speed="}, std::pair{"--set", "Speed=fast"},
+                    std::pair{"--set", "speed=1"}, std::pair{"--set", "=1"}, std::pair{"--every", "0"}));
+
+TEST(CommandLine, TheLargestSizeIsAccepted) {
+    const CommandLine line = accepted({"--headless", "--size", "16384x16384"});
+    EXPECT_EQ(line.headless.width, 16384U);
+}
+
+TEST(CommandLine, HelpNamesEveryOption) {
+    const std::string_view help = host::helpText();
+    for (const char* option :
+         {"--headless", "--size", "--frames", "--fps", "--realtime", "--time", "--set", "--output", "--every",
+          "--stats", "--device", "--list-devices", "--validate", "--module", "--version", "--help"}) {
+        EXPECT_NE(help.find(option), std::string_view::npos) << option;
+    }
+}
+
+}  // namespace

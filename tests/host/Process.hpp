@@ -1,0 +1,62 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace fake {
+
+/// How a process ended.
+struct ProcessEnd {
+    std::optional<int> exitStatus;
+    std::optional<int> signal;
+    std::string standardOutput;
+    std::string standardError;
+};
+
+/// A child process whose output is collected. Killed when this object goes before the process has ended.
+class Process {
+public:
+    /// Environment entries "NAME=value" are added to the test's own; "NAME" alone is taken out.
+    explicit Process(const std::vector<std::string>& command, const std::vector<std::string>& environment = {});
+    ~Process();
+    Process(const Process&) = delete;
+    Process& operator=(const Process&) = delete;
+
+    void sendSignal(int signal) const;
+    bool isRunning();
+    /// Waits for the end; nothing when the deadline passes first.
+    std::optional<ProcessEnd> waitForEnd(std::chrono::milliseconds deadline = std::chrono::seconds(60));
+
+private:
+    void readOutput();
+
+    pid_t _pid = -1;
+    int _outputPipe = -1;
+    int _errorPipe = -1;
+    std::optional<int> _status;
+    ProcessEnd _end;
+};
+
+/// Runs the program under test to its end.
+ProcessEnd runCirrane(const std::vector<std::string>& arguments, const std::vector<std::string>& environment = {});
+std::string cirraneProgram();
+
+/// Polls until the condition holds; false when the deadline passes first.
+template <typename Condition>
+bool eventually(Condition condition, std::chrono::milliseconds deadline = std::chrono::seconds(30)) {
+    const auto end = std::chrono::steady_clock::now() + deadline;
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end) {
+            return false;
+        }
+        struct timespec pause = {0, 5'000'000};
+        nanosleep(&pause, nullptr);
+    }
+    return true;
+}
+
+}  // namespace fake
