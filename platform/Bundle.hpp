@@ -16,6 +16,9 @@ public:
     /// The bundle in that directory; null when there is no such directory. The same object for the same directory.
     static std::shared_ptr<const Bundle> withDirectory(const std::filesystem::path& directory);
 
+    /// The bundle in that directory, read anew into an object of its own; null when there is no such directory.
+    static std::shared_ptr<const Bundle> open(const std::filesystem::path& directory);
+
     /// The bundle whose directory holds the shared object or program that contains this address. Null when the file
     /// lies in no directory named "*.saver".
     static std::shared_ptr<const Bundle> containing(const void* address);

@@ -1,8 +1,10 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 
-/// Gives the brightness of each frame of a fade-in, then 1. Not thread-safe: it belongs to the drawing thread.
+/// Gives the brightness of each frame of a fade-in, then 1. `level` belongs to the drawing thread; a `reset` from
+/// another one takes effect with the next frame or the one after.
 class QZLFader {
 public:
     /// A count of 0 or less never fades.
@@ -14,7 +16,7 @@ public:
     void reset();
 
 private:
-    bool _fading;
-    std::int32_t _fadeFrames;
-    std::int32_t _currentFrame;
+    std::atomic<bool> _fading;
+    const std::int32_t _fadeFrames;
+    std::atomic<std::int32_t> _currentFrame{0};
 };

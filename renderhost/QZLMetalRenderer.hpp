@@ -9,12 +9,16 @@
 #include "renderhost/QZLDrawContext.hpp"
 #include "renderhost/QZLFader.hpp"
 #include "renderhost/QZLSemaphore.hpp"
+#include "renderhost/QZLStatisticsReference.hpp"
 
 #include <atomic>
 #include <cstdint>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
 
 /// The framework's base renderer: layer, command queue, frame loop, fade-in. A saver derives from it and draws in
 /// `drawFrame`. Set-up, start, stop and properties belong to the main thread; `drawFrame`, `shouldSaveScreenshot` and
@@ -89,10 +93,27 @@ protected:
     }
 
 private:
+    // Steps of attach and detach.
+    void makeLayer();
+    void installLayer(const std::shared_ptr<platform::HostView>& view);
+    void releaseDrawingSurface();
+
+    // Steps of the display link and of a frame.
+    void selectFrameRate(double displayRate);
+    std::shared_ptr<QZLStatistics> statistics() const { return _statistics->get(); }
+    std::int32_t takeBufferIndex();
+    std::optional<std::string> takeScreenshotPath();
+    void addScheduledHandler(gpu::CommandBuffer& commandBuffer, std::int32_t index) const;
+    void addCompletedHandler(gpu::CommandBuffer& commandBuffer, std::shared_ptr<gpu::Drawable> drawable,
+                             std::int32_t index, std::optional<std::string> screenshotPath) const;
+    void aimRenderPass(const gpu::Drawable& drawable);
+    QZLDrawContext makeDrawContext(std::shared_ptr<gpu::CommandBuffer> commandBuffer,
+                                   std::shared_ptr<gpu::Drawable> drawable, std::int32_t index);
+
     std::weak_ptr<platform::HostView> _hostView;
     bool _isAttached = false;
     std::shared_ptr<gpu::Layer> _metalLayer;
-    std::shared_ptr<QZLSemaphore> _inFlightSemaphore;
+    const std::shared_ptr<QZLSemaphore> _inFlightSemaphore = QZLDispatchSemaphoreCreate(inFlightSlots);
     std::int32_t _bufferIndex = 0;
     std::shared_ptr<gpu::CommandQueue> _commandQueue;
     std::shared_ptr<gpu::RenderPassDescriptor> _renderPassDescriptor;
@@ -102,7 +123,7 @@ private:
     std::int32_t _skipCounter = 0;
     std::atomic<std::uint64_t> _frameNumber{0};
     std::uint32_t _screenshotCounter = 0;
-    std::shared_ptr<QZLStatistics> _statistics;
+    const std::shared_ptr<QZLStatisticsReference> _statistics = std::make_shared<QZLStatisticsReference>();
     std::atomic<bool> _screenshotsEnabled{false};
     std::atomic<bool> _shouldClearFrame{true};
     std::shared_ptr<QZLJournal> _journal;
@@ -111,7 +132,7 @@ private:
     std::atomic<double> _fadeInTime{0.0};
     gpu::ClearColor _clearFrameColor;
     std::atomic<bool> _isAbandoned{false};
-    mutable std::mutex _propertyMutex;  // guards _journal, _statistics and _clearFrameColor
+    mutable std::mutex _propertyMutex;  // guards _journal and _clearFrameColor
 };
 
 /// Makes a renderer whose last owner detaches it before it is destroyed; an abandoned one is leaked on purpose.

@@ -5,15 +5,15 @@
 
 #include <array>
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <mutex>
 #include <optional>
 
 /// Draws the cloudscape: a colour pass from a small noise texture into a colour and a height image at a reduced size,
 /// and a light pass that shades the drawable from the two. Threads and ownership as its base. Made with
 /// `QZLMakeRenderer`.
-class QZLCirraneRenderer final : public QZLMetalRenderer {
+class QZLCirraneRenderer : public QZLMetalRenderer {
 public:
     QZLCirraneRenderer();
 
@@ -44,23 +44,34 @@ public:
     std::uint64_t intermediateWidth() const { return _intermediateWidth; }
     std::uint64_t intermediateHeight() const { return _intermediateHeight; }
     /// Radians per second.
-    double motionRadiansPerSecond() const { return _motionRadiansPerSecond; }
-    double wobbleRadiansPerSecond() const { return _wobbleRadiansPerSecond; }
-    double fBmRadiansPerSecond() const { return _fBmRadiansPerSecond; }
+    double motionRadiansPerSecond() const { return _motionRadiansPerSecond.load(std::memory_order_relaxed); }
+    double wobbleRadiansPerSecond() const { return _wobbleRadiansPerSecond.load(std::memory_order_relaxed); }
+    double fBmRadiansPerSecond() const { return _fBmRadiansPerSecond.load(std::memory_order_relaxed); }
     const std::array<QZLLightVertex, 4>& lightVertices() const { return _lightVertices; }
+
+protected:
+    /// Memory for the noise before it goes to the GPU; null when there is none. A seam for tests.
+    virtual std::unique_ptr<std::byte[]> allocateNoiseBytes(std::size_t length);
 
 private:
     template <typename T>
     using PerSlot = std::array<T, inFlightSlots>;
 
-    std::shared_ptr<gpu::Texture> createNoiseTextureWithError(platform::ErrorPlace error);
-    std::optional<platform::Error> createResources();
     void sizeIntermediateImages();
+    bool createResources(platform::ErrorPlace error);
+    bool createPipelineStates(platform::ErrorPlace error);
+    bool createStyleBuffers(platform::ErrorPlace error);
+    std::shared_ptr<gpu::Texture> createNoiseTextureWithError(platform::ErrorPlace error);
+    bool createIntermediateTextures(platform::ErrorPlace error);
+    bool createColorRenderPassDescriptors(platform::ErrorPlace error);
+    void releaseResources();
+
+    static std::size_t slotOf(const QZLDrawContext& context);
     void advanceAnimation(double seconds);
     std::array<QZLLightVertex, 4> colorQuad() const;
-    void writeColorStyle(std::int32_t slot);
-    void writeLightStyle(std::int32_t slot, float fade);
-    void encodeColorPass(QZLDrawContext& context);
+    void writeColorStyle(std::size_t slot);
+    void writeLightStyle(std::size_t slot, float fade);
+    void encodeColorPass(QZLDrawContext& context, const std::array<QZLLightVertex, 4>& quad);
     void encodeLightPass(QZLDrawContext& context);
 
     // Relaxed atomics: a frame may read a mix of an old and a new style, which is accepted.

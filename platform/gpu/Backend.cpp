@@ -28,13 +28,19 @@ BackendInForce& inForce() {
 }  // namespace
 
 std::shared_ptr<Device> Backend::systemDefaultDevice() {
-    const std::lock_guard lock(_mutex);
-    std::shared_ptr<Device> device = _device.lock();
+    const std::lock_guard opening(_openMutex);
+    std::shared_ptr<Device> device = knownDevice();
     if (device == nullptr || device->isLost()) {
         device = openDevice();
+        const std::lock_guard lock(_mutex);
         _device = device;
     }
     return device;
+}
+
+std::shared_ptr<Device> Backend::knownDevice() {
+    const std::lock_guard lock(_mutex);
+    return _device.lock();
 }
 
 std::shared_ptr<RenderPassDescriptor> Backend::newRenderPassDescriptor() {
@@ -43,14 +49,16 @@ std::shared_ptr<RenderPassDescriptor> Backend::newRenderPassDescriptor() {
 
 void Backend::setDeviceLostHandler(std::function<void()> handler) {
     const std::lock_guard lock(_mutex);
-    _deviceLostHandler = std::move(handler);
+    _deviceLostHandler.swap(handler);
 }
 
 void Backend::deviceWasLost(const Device& device) {
     std::function<void()> handler;
     {
         const std::lock_guard lock(_mutex);
-        if (_device.lock().get() == &device) {
+        // By owner, not by pointer: the last reference must not be dropped here, under the lock.
+        const std::weak_ptr<const Device> lost = device.weak_from_this();
+        if (!lost.owner_before(_device) && !_device.owner_before(lost)) {
             _device.reset();
         }
         handler = _deviceLostHandler;
@@ -66,8 +74,11 @@ std::shared_ptr<Backend> backend() {
 }
 
 void setBackend(std::shared_ptr<Backend> backend) {
+    if (backend == nullptr) {
+        backend = std::make_shared<NoBackend>();
+    }
     const std::lock_guard lock(inForce().mutex);
-    inForce().backend = backend != nullptr ? std::move(backend) : std::make_shared<NoBackend>();
+    inForce().backend.swap(backend);
 }
 
 std::shared_ptr<Device> createSystemDefaultDevice() {

@@ -39,7 +39,9 @@ protected:
 
 private:
     virtual std::shared_ptr<Device> openDevice() = 0;
+    std::shared_ptr<Device> knownDevice();
 
+    std::mutex _openMutex;  ///< held while a device is opened, which may take long and may find the device lost
     std::mutex _mutex;
     std::weak_ptr<Device> _device;
     std::function<void()> _deviceLostHandler;

@@ -3,6 +3,7 @@
 #include "platform/SystemLog.hpp"
 #include "platform/gpu/Layer.hpp"
 
+#include <algorithm>
 #include <string>
 #include <utility>
 
@@ -33,15 +34,11 @@ void CommandBuffer::endOpenEncoder() {
 }
 
 RenderCommandEncoder* CommandBuffer::renderCommandEncoder(const RenderPassDescriptor& descriptor) {
-    if (!mayEncode("a render pass") || descriptor.colorAttachments.front().texture == nullptr) {
+    if (!mayEncode("a render pass") || !acceptsTargets(descriptor)) {
         return nullptr;
     }
     for (const ColorAttachment& attachment : descriptor.colorAttachments) {
         if (attachment.texture != nullptr) {
-            if (!contains(attachment.texture->usage(), TextureUsage::RenderTarget)) {
-                platform::systemLog("gpu: refused: a colour attachment that is no render target");
-                return nullptr;
-            }
             _kept.push_back(attachment.texture);
         }
     }
@@ -50,6 +47,23 @@ RenderCommandEncoder* CommandBuffer::renderCommandEncoder(const RenderPassDescri
         encoder->_hasPipeline = false;
     }
     return encoder;
+}
+
+/// The targets come first and without a gap, each fit to be one and no texture twice.
+bool CommandBuffer::acceptsTargets(const RenderPassDescriptor& descriptor) {
+    const auto& attachments = descriptor.colorAttachments;
+    const auto isUsed = [](const ColorAttachment& attachment) { return attachment.texture != nullptr; };
+    const auto end = std::find_if_not(attachments.begin(), attachments.end(), isUsed);
+    bool accepted = end != attachments.begin() && std::none_of(end, attachments.end(), isUsed);
+    for (auto attachment = attachments.begin(); accepted && attachment != end; ++attachment) {
+        const auto isSame = [&](const ColorAttachment& other) { return other.texture == attachment->texture; };
+        accepted = contains(attachment->texture->usage(), TextureUsage::RenderTarget) &&
+                   std::none_of(attachments.begin(), attachment, isSame);
+    }
+    if (!accepted) {
+        platform::systemLog("gpu: refused: colour attachments that are none, no render targets, apart, or twice");
+    }
+    return accepted;
 }
 
 ComputeCommandEncoder* CommandBuffer::computeCommandEncoder() {
@@ -67,18 +81,21 @@ BlitCommandEncoder* CommandBuffer::blitCommandEncoder() {
 void CommandBuffer::addScheduledHandler(Handler handler) {
     if (status() == CommandBufferStatus::NotEnqueued) {
         _scheduledHandlers.push_back(std::move(handler));
+        didAddScheduledHandler();
     }
 }
 
 void CommandBuffer::addCompletedHandler(Handler handler) {
     if (status() == CommandBufferStatus::NotEnqueued) {
         _completedHandlers.push_back(std::move(handler));
+        didAddCompletedHandler();
     }
 }
 
 void CommandBuffer::presentDrawable(std::shared_ptr<Drawable> drawable) {
-    if (status() == CommandBufferStatus::NotEnqueued) {
+    if (status() == CommandBufferStatus::NotEnqueued && drawable != nullptr) {
         _drawable = std::move(drawable);
+        didPresent(*_drawable);
     }
 }
 
@@ -117,14 +134,15 @@ void CommandBuffer::didSchedule() {
 void CommandBuffer::didComplete(bool succeeded) {
     _status.store(succeeded ? CommandBufferStatus::Completed : CommandBufferStatus::Error, std::memory_order_release);
     _kept.clear();
-    if (_drawable != nullptr) {
-        if (const auto layer = _drawable->layer()) {
-            layer->notifyCompleted(*_drawable, succeeded);
+    // Held until the handlers have run: they may read the image back, so no new frame may be drawn into it before.
+    const std::shared_ptr<Drawable> drawable = std::move(_drawable);
+    if (drawable != nullptr) {
+        if (const auto layer = drawable->layer()) {
+            layer->notifyCompleted(*drawable, succeeded);
             if (succeeded) {
-                layer->presentFinished(std::move(_drawable));
+                layer->presentFinished(drawable);
             }
         }
-        _drawable.reset();
     }
     for (Handler& handler : _completedHandlers) {
         handler(*this);
@@ -137,12 +155,10 @@ void CommandBuffer::prepareForReuse() {
     _completedHandlers.clear();
     _kept.clear();
     _drawable.reset();
-    _openEncoder = nullptr;
+    if (_openEncoder != nullptr) {
+        std::exchange(_openEncoder, nullptr)->_open = false;
+    }
     _status.store(CommandBufferStatus::NotEnqueued, std::memory_order_release);
-}
-
-bool CommandBuffer::hasHandlersOrDrawable() const {
-    return !_scheduledHandlers.empty() || !_completedHandlers.empty() || _drawable != nullptr;
 }
 
 }  // namespace gpu

@@ -32,8 +32,8 @@ public:
     CommandBuffer& operator=(const CommandBuffer&) = delete;
     virtual ~CommandBuffer() = default;
 
-    /// An open encoder, or null when the buffer was committed, the descriptor has no usable attachment, or memory ran
-    /// out.
+    /// An open encoder, or null when the buffer was committed, an attachment of the descriptor cannot be used, or
+    /// memory ran out. In any case the encoder that was open before has ended.
     RenderCommandEncoder* renderCommandEncoder(const RenderPassDescriptor& descriptor);
     ComputeCommandEncoder* computeCommandEncoder();
     BlitCommandEncoder* blitCommandEncoder();
@@ -62,8 +62,6 @@ protected:
     /// For backends that use buffers again: back to the state after construction. Keeps the memory of its lists.
     void prepareForReuse();
 
-    bool hasHandlersOrDrawable() const;
-
 private:
     friend class CommandEncoder;
     virtual RenderCommandEncoder* beginRenderPass(const RenderPassDescriptor& descriptor) = 0;
@@ -72,11 +70,16 @@ private:
     /// Submits. Whatever happens, `didSchedule` and `didComplete` must follow, in this order.
     virtual void submit() = 0;
     virtual void waitForGpu() = 0;
+    /// For backends that want to see what a buffer is given besides its passes.
+    virtual void didAddScheduledHandler() {}
+    virtual void didAddCompletedHandler() {}
+    virtual void didPresent(const Drawable&) {}
 
     template <typename Encoder>
     Encoder* open(Encoder* encoder);
     bool mayEncode(const char* operation);
     void endOpenEncoder();
+    bool acceptsTargets(const RenderPassDescriptor& descriptor);
 
     std::vector<Handler> _scheduledHandlers;
     std::vector<Handler> _completedHandlers;

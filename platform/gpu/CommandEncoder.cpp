@@ -47,8 +47,8 @@ void RenderCommandEncoder::setRenderPipelineState(const std::shared_ptr<RenderPi
 
 void RenderCommandEncoder::setVertexBytes(std::span<const std::byte> bytes, std::size_t index) {
     if (checkOpen("setVertexBytes after the end") &&
-        check(index == 0 && bytes.size() <= maximumVertexBytes && bytes.size() % 4 == 0,
-              "vertex bytes beyond index 0 or 128 bytes, or not whole words")) {
+        check(index == 0 && !bytes.empty() && bytes.size() <= maximumVertexBytes && bytes.size() % 4 == 0,
+              "vertex bytes beyond index 0 or 128 bytes, none, or not whole words")) {
         encodeVertexBytes(bytes, index);
     }
 }
@@ -99,8 +99,9 @@ void ComputeCommandEncoder::setBuffer(const std::shared_ptr<Buffer>& buffer, std
 
 void ComputeCommandEncoder::setTexture(const std::shared_ptr<Texture>& texture, std::size_t index) {
     if (checkOpen("setTexture after the end") &&
-        check(texture != nullptr && index < RenderCommandEncoder::maximumBindings,
-              "a texture that is null, or an index out of range")) {
+        check(texture != nullptr && contains(texture->usage(), TextureUsage::ShaderReadWrite) &&
+                  index < RenderCommandEncoder::maximumBindings,
+              "a texture that is null or not for shaders, or an index out of range")) {
         keep(texture);
         encodeTexture(texture, index);
     }
@@ -117,7 +118,7 @@ void BlitCommandEncoder::copyTextureToTexture(const std::shared_ptr<Texture>& so
                                               const std::shared_ptr<Texture>& destination, Origin destinationOrigin) {
     if (!checkOpen("copyTextureToTexture after the end") ||
         !check(source != nullptr && destination != nullptr && source != destination,
-               "a copy of or to a null texture")) {
+               "a copy of a null texture, to one, or of one to itself")) {
         return;
     }
     if (check(isInside(sourceRegion, source->size()) &&
@@ -139,11 +140,12 @@ void BlitCommandEncoder::copyTextureToBuffer(const std::shared_ptr<Texture>& sou
     }
     const std::size_t pixelBytes = bytesPerPixel(source->pixelFormat());
     const std::size_t rowBytes = sourceRegion.size.width * pixelBytes;
-    const std::size_t needed = bytesNeeded(sourceRegion.size.height, destinationBytesPerRow, rowBytes);
-    if (check(isInside(sourceRegion, source->size()) && destinationBytesPerRow >= rowBytes &&
-                  destinationBytesPerRow % pixelBytes == 0 && destinationOffset <= destination->length() &&
-                  needed <= destination->length() - destinationOffset,
-              "a copy outside a texture or a buffer")) {
+    if (check(isInside(sourceRegion, source->size()) && destinationOffset <= destination->length() &&
+                  holdsRows(destination->length() - destinationOffset, sourceRegion.size.height, destinationBytesPerRow,
+                            rowBytes),
+              "a copy outside a texture or a buffer") &&
+        check(destinationOffset % pixelBytes == 0 && destinationBytesPerRow % pixelBytes == 0,
+              "a copy to an offset or with a row length that is not whole pixels")) {
         keep(source);
         keep(destination);
         encodeTextureToBuffer(source, sourceRegion, destination, destinationOffset, destinationBytesPerRow);

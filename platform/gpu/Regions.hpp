@@ -2,6 +2,8 @@
 
 #include "platform/gpu/Types.hpp"
 
+#include <cstddef>
+
 namespace gpu {
 
 /// True for a region of at least one texel that lies inside an image of that size.
@@ -11,9 +13,14 @@ constexpr bool isInside(const Region& region, Extent size) {
            region.size.height <= size.height - region.origin.y;
 }
 
-/// Bytes that `rows` rows take when the last one needs no padding.
-constexpr std::size_t bytesNeeded(std::size_t rows, std::size_t bytesPerRow, std::size_t rowBytes) {
-    return rows == 0 ? 0 : (rows - 1) * bytesPerRow + rowBytes;
+/// No row in memory may be longer, so that sums of rows and devices' row lengths never overflow.
+inline constexpr std::size_t maximumBytesPerRow = std::size_t{1} << 30;
+
+/// True when that many bytes hold `rows` rows of `rowBytes`, each `bytesPerRow` after the one before it. The last one
+/// needs no padding.
+constexpr bool holdsRows(std::size_t bytes, std::size_t rows, std::size_t bytesPerRow, std::size_t rowBytes) {
+    return rows > 0 && rowBytes > 0 && rowBytes <= bytesPerRow && bytesPerRow <= maximumBytesPerRow &&
+           rowBytes <= bytes && rows - 1 <= (bytes - rowBytes) / bytesPerRow;
 }
 
 }  // namespace gpu

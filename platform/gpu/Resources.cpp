@@ -13,8 +13,8 @@ void Resource::setLabel(std::string label) {
 
 bool Texture::replaceRegion(const Region& region, std::span<const std::byte> bytes, std::size_t bytesPerRow) {
     const std::size_t rowBytes = region.size.width * bytesPerPixel(pixelFormat());
-    if (storageMode() == StorageMode::Private || !isInside(region, size()) || bytesPerRow < rowBytes ||
-        bytes.size() < bytesNeeded(region.size.height, bytesPerRow, rowBytes)) {
+    if (storageMode() == StorageMode::Private || !isInside(region, size()) ||
+        !holdsRows(bytes.size(), region.size.height, bytesPerRow, rowBytes)) {
         return false;
     }
     return writeRegion(region, bytes, bytesPerRow);

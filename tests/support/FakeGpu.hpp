@@ -4,13 +4,12 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <deque>
-#include <filesystem>
+#include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace fake {
@@ -31,26 +30,69 @@ struct FaultPlan {
     std::set<std::uint64_t> failingComputePipelines;
     std::set<std::uint64_t> failingRenderPassDescriptors;
     /// The device is lost when it is given its commit number n + 1: that commit and all later ones fail at once.
+    /// Emptied when it happens, so that a device opened afterwards is sound.
     std::optional<std::uint64_t> lostAfterCommits;
 };
 
+/// What a draw was given, in a command buffer that was committed.
+struct Draw {
+    std::string pipeline;
+    gpu::PrimitiveType primitiveType = gpu::PrimitiveType::Triangle;
+    std::size_t vertexStart = 0;
+    std::size_t vertexCount = 0;
+    std::vector<std::byte> vertexBytes;
+    /// By index; from the offset to the end, as they were at the commit.
+    std::map<std::size_t, std::vector<std::byte>> fragmentBuffers;
+    /// By index, named as in the recorded calls.
+    std::map<std::size_t, std::string> fragmentTextures;
+    /// The colour attachments, named as in the recorded calls.
+    std::vector<std::string> targets;
+};
+
 /// A GPU in CPU memory: clears, uploads, blits and read-back really work, draws are recorded, and the test decides when
-/// a command buffer completes. Every call that reaches it is recorded as a line of text, in order. Thread-safe.
+/// a command buffer completes. Passes that do not care what they load or store leave `garbage` behind. Thread-safe.
+/// Every call that reaches it is recorded as a line of text, in order:
+///
+///     openDevice                               newLayer
+///     newCommandQueue                          newRenderPassDescriptor
+///     newTexture R8Snorm 256x256 usage 1 storage 1
+///     newBuffer 64                             newLibrary default.metallib
+///     newFunction ColorVertex                  newComputePipeline Kernel
+///     newRenderPipeline ColorVertex+ColorFragment [RGB10A2Unorm, R16Unorm]
+///     replaceRegion RenderTarget0 0,0 256x256
+///     nextDrawable 0                           commandBuffer
+///     addScheduledHandler                      addCompletedHandler
+///     render [RenderTarget0 dontCare store, drawable 0 clear(0 0 0 1) store]
+///     compute                                  blit
+///     label ColorShader                        pipeline ColorVertex+ColorFragment
+///     vertexBytes 64 @0                        draw triangleStrip 0 4
+///     fragmentBuffer style0+0 @0               fragmentTexture RenderTarget0 @0
+///     buffer style0+0 @0                       texture RenderTarget0 @0
+///     dispatch 16x9                            end
+///     copy RenderTarget0 0,0 64x48 to RenderTarget1 0,0
+///     copy RenderTarget0 0,0 64x48 to style0+0 256
+///     present 0                                commit
+///
+/// A creation that fails has " failed" after it. Textures and buffers go by their labels, without one by their looks
+/// ("R8Snorm 256x256", "64 bytes"); a layer's images by their drawable ("drawable 0").
 class Gpu final : public gpu::Backend {
 public:
     explicit Gpu(FaultPlan plan = {});
     ~Gpu() override;
 
+    /// To be changed only while no other thread uses the fake.
     FaultPlan& plan();
 
-    /// The recorded calls, such as "commandBuffer", "beginRender RenderTarget0 dontCare store, ...", "draw 4 0 4".
     std::vector<std::string> calls() const;
     void clearCalls();
     /// Adds a line of the test's own, so that calls of other fakes stand in one list with the GPU's.
     void record(const std::string& call);
+    /// The draws of all committed command buffers, in order.
+    std::vector<Draw> draws() const;
 
     /// Completes the oldest committed command buffer on the calling thread; false when there is none. The scheduled
-    /// handlers of a buffer run at its commit when nothing is before it, else when its predecessor completes.
+    /// handlers of a buffer run at its commit when nothing is before it on its queue, else when its predecessor
+    /// completes. Whoever waits for a buffer completes it and those before it, for nobody else would.
     bool completeNext(bool succeeded = true);
     void completeAll();
     std::size_t committedButIncomplete() const;
@@ -66,6 +108,11 @@ public:
 
     /// The pixels of a fake texture, row 0 first; for checking uploads, clears and copies.
     static std::vector<std::byte> pixels(const gpu::Texture& texture);
+    /// What every byte of a texture holds after a pass that did not care.
+    static constexpr std::byte garbage{0xA5};
+
+    /// The drawable that a fake layer shows; null before the first.
+    static std::shared_ptr<gpu::Drawable> lastPresented(const gpu::Layer& layer);
 
     struct State;
 

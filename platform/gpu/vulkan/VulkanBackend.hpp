@@ -45,4 +45,7 @@ std::shared_ptr<Backend> makeVulkanBackend(VulkanOptions options);
 /// All devices in the order in which `VulkanOptions::device` counts them.
 std::vector<DeviceListing> listDevices(const VulkanOptions& options);
 
+/// From now on this device of a Vulkan backend counts as lost, as after a crash of its driver. For tests.
+void loseDevice(Device& device);
+
 }  // namespace gpu::vulkan

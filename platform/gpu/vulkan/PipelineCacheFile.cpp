@@ -1,0 +1,141 @@
+#include "platform/gpu/vulkan/PipelineCacheFile.hpp"
+
+#include <fcntl.h>
+#include <stdlib.h>  // mkostemp
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <exception>
+#include <fstream>
+#include <string>
+#include <system_error>
+
+namespace gpu::vulkan {
+namespace {
+
+/// At the start of the file, in this machine's byte order: a file of the other order has the wrong magic number.
+struct FileHeader {
+    std::uint64_t magic = 0x6361636865706970;
+    std::uint64_t version = 1;
+    std::uint64_t length = 0;
+    std::uint64_t checksum = 0;
+};
+
+/// VkPipelineCacheHeaderVersionOne of the Vulkan specification, "Pipeline Cache Header", which every driver's data
+/// starts with.
+struct DriverHeader {
+    std::uint32_t headerSize = 0;
+    std::uint32_t headerVersion = 0;
+    std::uint32_t vendor = 0;
+    std::uint32_t device = 0;
+    std::array<std::uint8_t, 16> uuid{};
+};
+static_assert(sizeof(FileHeader) == 32 && sizeof(DriverHeader) == 32, "the layouts of the file have no padding");
+
+template <typename Header>
+Header readHeader(std::span<const std::byte> bytes) {
+    Header header;
+    std::memcpy(&header, bytes.data(), sizeof(Header));
+    return header;
+}
+
+bool isMadeFor(std::span<const std::byte> data, const PipelineCacheIdentity& identity) {
+    if (data.size() < sizeof(DriverHeader)) {
+        return false;
+    }
+    const auto header = readHeader<DriverHeader>(data);
+    return header.headerSize >= sizeof(DriverHeader) && header.headerSize <= data.size() && header.headerVersion == 1 &&
+           header.vendor == identity.vendor && header.device == identity.device && header.uuid == identity.uuid;
+}
+
+bool writeAll(int descriptor, std::span<const std::byte> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written <= 0) {
+            return false;
+        }
+        bytes = bytes.subspan(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+}  // namespace
+
+std::uint64_t pipelineCacheChecksum(std::span<const std::byte> data) noexcept {
+    std::uint64_t hash = 0xcbf29ce484222325;
+    for (const std::byte byte : data) {
+        hash = (hash ^ std::to_integer<std::uint64_t>(byte)) * 0x100000001b3;
+    }
+    return hash;
+}
+
+std::span<const std::byte> parsePipelineCacheFile(std::span<const std::byte> file,
+                                                  const PipelineCacheIdentity& identity) noexcept {
+    if (file.size() < sizeof(FileHeader)) {
+        return {};
+    }
+    const auto header = readHeader<FileHeader>(file);
+    const std::span data = file.subspan(sizeof(FileHeader));
+    const bool whole = header.magic == FileHeader{}.magic && header.version == FileHeader{}.version &&
+                       header.length == data.size() && header.checksum == pipelineCacheChecksum(data);
+    return whole && isMadeFor(data, identity) ? data : std::span<const std::byte>{};
+}
+
+std::vector<std::byte> readPipelineCacheFile(const std::filesystem::path& file,
+                                             const PipelineCacheIdentity& identity) noexcept {
+    try {
+        std::error_code error;
+        if (!std::filesystem::is_regular_file(file, error)) {  // a pipe could block for ever
+            return {};
+        }
+        const std::uintmax_t size = std::filesystem::file_size(file, error);
+        if (error || size > maximumPipelineCacheBytes) {
+            return {};
+        }
+        std::vector<std::byte> bytes(static_cast<std::size_t>(size));
+        std::ifstream stream(file, std::ios::binary);
+        if (!stream.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()))) {
+            return {};
+        }
+        const std::span data = parsePipelineCacheFile(bytes, identity);
+        return {data.begin(), data.end()};
+    } catch (const std::exception&) {
+        return {};
+    }
+}
+
+bool writePipelineCacheFile(const std::filesystem::path& file, std::span<const std::byte> data) noexcept {
+    try {
+        if (data.size() > maximumPipelineCacheBytes - sizeof(FileHeader)) {
+            return false;
+        }
+        std::error_code error;
+        std::filesystem::create_directories(file.parent_path(), error);
+        std::string temporary = file.string() + ".XXXXXX";
+        const int descriptor = ::mkostemp(temporary.data(), O_CLOEXEC);
+        if (descriptor < 0) {
+            return false;
+        }
+        FileHeader header;
+        header.length = data.size();
+        header.checksum = pipelineCacheChecksum(data);
+        const bool written = writeAll(descriptor, std::as_bytes(std::span(&header, 1))) && writeAll(descriptor, data);
+        const bool closed = ::close(descriptor) == 0;
+        if (written && closed) {
+            std::filesystem::rename(temporary, file, error);
+        }
+        if (!written || !closed || error) {
+            ::unlink(temporary.c_str());
+            return false;
+        }
+        return true;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+}  // namespace gpu::vulkan

@@ -1,0 +1,135 @@
+#include "platform/gpu/vulkan/VulkanBindings.hpp"
+
+#include "platform/gpu/CommandEncoder.hpp"
+
+namespace gpu::vulkan {
+namespace {
+
+constexpr std::uint32_t bindingsPerSet = RenderCommandEncoder::maximumBindings;
+constexpr std::uint32_t setsPerPool = 64;
+
+vk::raii::Sampler makeSampler(const vk::raii::Device& device, vk::SamplerAddressMode addressMode) {
+    return {device, vk::SamplerCreateInfo{.magFilter = vk::Filter::eLinear,
+                                          .minFilter = vk::Filter::eLinear,
+                                          .addressModeU = addressMode,
+                                          .addressModeV = addressMode,
+                                          .addressModeW = addressMode}};
+}
+
+vk::raii::DescriptorSetLayout makeSetLayout(const vk::raii::Device& device, vk::DescriptorType type) {
+    std::array<vk::DescriptorSetLayoutBinding, bindingsPerSet> bindings;
+    for (std::uint32_t i = 0; i < bindingsPerSet; ++i) {
+        const bool computeOnly = type == vk::DescriptorType::eStorageImage;
+        bindings[i] = {.binding = i,
+                       .descriptorType = type,
+                       .descriptorCount = 1,
+                       .stageFlags = computeOnly
+                                         ? vk::ShaderStageFlagBits::eCompute
+                                         : vk::ShaderStageFlagBits::eFragment | vk::ShaderStageFlagBits::eCompute};
+    }
+    return {device, vk::DescriptorSetLayoutCreateInfo{.bindingCount = bindingsPerSet, .pBindings = bindings.data()}};
+}
+
+vk::raii::DescriptorSetLayout makeSamplerLayout(const vk::raii::Device& device,
+                                                const std::array<vk::Sampler, 2>& samplers) {
+    std::array<vk::DescriptorSetLayoutBinding, 2> bindings;
+    for (std::uint32_t i = 0; i < samplers.size(); ++i) {
+        bindings[i] = {.binding = i,
+                       .descriptorType = vk::DescriptorType::eSampler,
+                       .descriptorCount = 1,
+                       .stageFlags = vk::ShaderStageFlagBits::eFragment | vk::ShaderStageFlagBits::eCompute,
+                       .pImmutableSamplers = &samplers[i]};
+    }
+    return {device, vk::DescriptorSetLayoutCreateInfo{.bindingCount = static_cast<std::uint32_t>(bindings.size()),
+                                                      .pBindings = bindings.data()}};
+}
+
+std::vector<vk::raii::DescriptorSetLayout> makeSetLayouts(const vk::raii::Device& device,
+                                                          const std::array<vk::Sampler, 2>& samplers) {
+    std::vector<vk::raii::DescriptorSetLayout> layouts;
+    layouts.push_back(makeSetLayout(device, vk::DescriptorType::eUniformBuffer));
+    layouts.push_back(makeSetLayout(device, vk::DescriptorType::eSampledImage));
+    layouts.push_back(makeSamplerLayout(device, samplers));
+    layouts.push_back(makeSetLayout(device, vk::DescriptorType::eStorageImage));
+    return layouts;
+}
+
+vk::raii::PipelineLayout makePipelineLayout(const vk::raii::Device& device,
+                                            const std::vector<vk::raii::DescriptorSetLayout>& setLayouts) {
+    std::array<vk::DescriptorSetLayout, VulkanBindings::setCount> layouts;
+    for (std::size_t i = 0; i < layouts.size(); ++i) {
+        layouts[i] = *setLayouts[i];
+    }
+    const vk::PushConstantRange vertexBytes{.stageFlags = vk::ShaderStageFlagBits::eVertex,
+                                            .size = RenderCommandEncoder::maximumVertexBytes};
+    return {device, vk::PipelineLayoutCreateInfo{.setLayoutCount = static_cast<std::uint32_t>(layouts.size()),
+                                                 .pSetLayouts = layouts.data(),
+                                                 .pushConstantRangeCount = 1,
+                                                 .pPushConstantRanges = &vertexBytes}};
+}
+
+vk::raii::DescriptorPool makeSamplerPool(const vk::raii::Device& device) {
+    const vk::DescriptorPoolSize size{.type = vk::DescriptorType::eSampler, .descriptorCount = 2};
+    return {device, vk::DescriptorPoolCreateInfo{.flags = vk::DescriptorPoolCreateFlagBits::eFreeDescriptorSet,
+                                                 .maxSets = 1,
+                                                 .poolSizeCount = 1,
+                                                 .pPoolSizes = &size}};
+}
+
+vk::raii::DescriptorSets makeSamplerSets(const vk::raii::Device& device, const vk::raii::DescriptorPool& pool,
+                                         const vk::raii::DescriptorSetLayout& layout) {
+    const vk::DescriptorSetLayout samplerLayout = *layout;
+    return {device, vk::DescriptorSetAllocateInfo{
+                        .descriptorPool = *pool, .descriptorSetCount = 1, .pSetLayouts = &samplerLayout}};
+}
+
+vk::raii::DescriptorPool makePassPool(const vk::raii::Device& device) {
+    std::array<vk::DescriptorPoolSize, 3> sizes;
+    sizes[0] = {.type = vk::DescriptorType::eUniformBuffer, .descriptorCount = setsPerPool * bindingsPerSet};
+    sizes[1] = {.type = vk::DescriptorType::eSampledImage, .descriptorCount = setsPerPool * bindingsPerSet};
+    sizes[2] = {.type = vk::DescriptorType::eStorageImage, .descriptorCount = setsPerPool * bindingsPerSet};
+    return {device, vk::DescriptorPoolCreateInfo{.maxSets = setsPerPool,
+                                                 .poolSizeCount = static_cast<std::uint32_t>(sizes.size()),
+                                                 .pPoolSizes = sizes.data()}};
+}
+
+}  // namespace
+
+VulkanBindings::VulkanBindings(const vk::raii::Device& device)
+    : _repeating(makeSampler(device, vk::SamplerAddressMode::eRepeat)),
+      _clamping(makeSampler(device, vk::SamplerAddressMode::eClampToEdge)),
+      _setLayouts(makeSetLayouts(device, {*_repeating, *_clamping})),
+      _pipelineLayout(makePipelineLayout(device, _setLayouts)),
+      _samplerPool(makeSamplerPool(device)),
+      _samplerSets(makeSamplerSets(device, _samplerPool, _setLayouts[samplers])) {}
+
+DescriptorAllocator::DescriptorAllocator(const vk::raii::Device& device, const VulkanBindings& bindings)
+    : _device(device), _bindings(bindings) {}
+
+vk::DescriptorSet DescriptorAllocator::allocate(VulkanBindings::Set set) {
+    if (_setsLeft == 0) {
+        if (_poolInUse == _pools.size()) {
+            _pools.push_back(makePassPool(_device));
+        }
+        ++_poolInUse;
+        _setsLeft = setsPerPool;
+    }
+    const vk::DescriptorSetLayout layout = _bindings.setLayout(set);
+    const vk::DescriptorSetAllocateInfo info{
+        .descriptorPool = *_pools[_poolInUse - 1], .descriptorSetCount = 1, .pSetLayouts = &layout};
+    vk::DescriptorSet allocated;
+    vk::resultCheck((*_device).allocateDescriptorSets(&info, &allocated, *_device.getDispatcher()),
+                    "vkAllocateDescriptorSets");
+    --_setsLeft;
+    return allocated;
+}
+
+void DescriptorAllocator::reset() {
+    for (const vk::raii::DescriptorPool& pool : _pools) {
+        pool.reset();
+    }
+    _poolInUse = 0;
+    _setsLeft = 0;
+}
+
+}  // namespace gpu::vulkan

@@ -1,0 +1,96 @@
+#include "platform/gpu/vulkan/VulkanCommandBuffer.hpp"
+
+#include <utility>
+
+namespace gpu::vulkan {
+namespace {
+
+vk::raii::CommandPool makePool(const VulkanDevice& device) {
+    return {device.handle(), vk::CommandPoolCreateInfo{.flags = vk::CommandPoolCreateFlagBits::eTransient,
+                                                       .queueFamilyIndex = device.queueFamily()}};
+}
+
+vk::raii::CommandBuffer makeCommands(const VulkanDevice& device, const vk::raii::CommandPool& pool) {
+    vk::raii::CommandBuffers buffers(
+        device.handle(), vk::CommandBufferAllocateInfo{
+                             .commandPool = *pool, .level = vk::CommandBufferLevel::ePrimary, .commandBufferCount = 1});
+    return std::move(buffers.front());
+}
+
+}  // namespace
+
+VulkanCommandBuffer::VulkanCommandBuffer(std::shared_ptr<VulkanDevice> device,
+                                         std::weak_ptr<VulkanSubmissions> submissions)
+    : _device(std::move(device)),
+      _submissions(std::move(submissions)),
+      _pool(makePool(*_device)),
+      _commands(makeCommands(*_device, _pool)),
+      _descriptors(_device->handle(), _device->bindings()),
+      _renderEncoder(*this),
+      _computeEncoder(*this),
+      _blitEncoder(*this) {}
+
+void VulkanCommandBuffer::begin() {
+    prepareForReuse();
+    _timelineValue.store(0, std::memory_order_release);
+    _hasLabel = false;
+    _descriptors.reset();
+    _pool.reset();
+    _commands.begin({.flags = vk::CommandBufferUsageFlagBits::eOneTimeSubmit});
+}
+
+RenderCommandEncoder* VulkanCommandBuffer::beginRenderPass(const RenderPassDescriptor& descriptor) {
+    return _renderEncoder.begin(descriptor) ? &_renderEncoder : nullptr;
+}
+
+ComputeCommandEncoder* VulkanCommandBuffer::beginComputePass() {
+    _computeEncoder.begin();
+    return &_computeEncoder;
+}
+
+BlitCommandEncoder* VulkanCommandBuffer::beginBlitPass() {
+    return &_blitEncoder;
+}
+
+void VulkanCommandBuffer::submit() {
+    const bool recorded = _device->attempt("a command buffer could not be recorded", [this] {
+        _commands.end();
+        return true;
+    });
+    const std::shared_ptr<VulkanSubmissions> submissions = _submissions.lock();
+    if (submissions == nullptr || !submissions->commit(shared_from_this(), recorded)) {
+        didSchedule();
+        didComplete(false);
+    }
+}
+
+void VulkanCommandBuffer::complete(VulkanSubmissions& submissions) {
+    didSchedule();
+    const std::uint64_t value = _timelineValue.load(std::memory_order_acquire);
+    didComplete(value != 0 && submissions.wait(value));
+}
+
+void VulkanCommandBuffer::waitForGpu() {
+    const std::uint64_t value = _timelineValue.load(std::memory_order_acquire);
+    // A queue that has gone waited for all its buffers.
+    if (const auto submissions = _submissions.lock(); submissions != nullptr && value != 0) {
+        submissions->wait(value);
+    }
+}
+
+void VulkanCommandBuffer::beginLabel(std::string_view label) {
+    if (_device->instance().hasDebugNames()) {
+        endLabel();
+        _label = label;
+        _commands.beginDebugUtilsLabelEXT({.pLabelName = _label.c_str()});
+        _hasLabel = true;
+    }
+}
+
+void VulkanCommandBuffer::endLabel() {
+    if (std::exchange(_hasLabel, false)) {
+        _commands.endDebugUtilsLabelEXT();
+    }
+}
+
+}  // namespace gpu::vulkan

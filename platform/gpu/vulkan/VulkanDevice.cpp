@@ -1,0 +1,228 @@
+#include "platform/gpu/vulkan/VulkanDevice.hpp"
+
+#include "platform/gpu/vulkan/VulkanBindings.hpp"
+#include "platform/gpu/vulkan/VulkanBuffer.hpp"
+#include "platform/gpu/vulkan/VulkanCommandQueue.hpp"
+#include "platform/gpu/vulkan/VulkanLibrary.hpp"
+#include "platform/gpu/vulkan/VulkanPipeline.hpp"
+#include "platform/gpu/vulkan/VulkanPipelineCache.hpp"
+#include "platform/gpu/vulkan/VulkanTexture.hpp"
+
+#include <limits>
+#include <utility>
+
+namespace gpu::vulkan {
+namespace {
+
+vk::raii::Device openDevice(const DeviceCandidate& candidate) {
+    const float priority = 1.0F;
+    const vk::DeviceQueueCreateInfo queue{
+        .queueFamilyIndex = candidate.queueFamily, .queueCount = 1, .pQueuePriorities = &priority};
+    // The last one, which every 1.3 device has, for how compilers state the size of a compute function's threadgroup.
+    vk::PhysicalDeviceVulkan13Features newer{
+        .synchronization2 = VK_TRUE, .dynamicRendering = VK_TRUE, .maintenance4 = VK_TRUE};
+    vk::PhysicalDeviceVulkan12Features features{.pNext = &newer, .timelineSemaphore = VK_TRUE};
+    // Lets compute functions write BGRA textures, a format that shaders have no word for.
+    const vk::PhysicalDeviceFeatures coreFeatures{
+        .shaderStorageImageWriteWithoutFormat = candidate.device.getFeatures().shaderStorageImageWriteWithoutFormat};
+    const char* const swapchain = VK_KHR_SWAPCHAIN_EXTENSION_NAME;
+    // A device that lacks features is opened bare, only to be asked for its name and abilities.
+    return {candidate.device, vk::DeviceCreateInfo{.pNext = candidate.hasAllFeatures ? &features : nullptr,
+                                                   .queueCreateInfoCount = 1,
+                                                   .pQueueCreateInfos = &queue,
+                                                   .enabledExtensionCount = candidate.hasSwapchain ? 1U : 0U,
+                                                   .ppEnabledExtensionNames = &swapchain,
+                                                   .pEnabledFeatures = &coreFeatures}};
+}
+
+}  // namespace
+
+VulkanDevice::VulkanDevice(std::shared_ptr<const VulkanInstance> instance, DeviceCandidate candidate,
+                           const std::filesystem::path& pipelineCacheDirectory, LostHandler onLost)
+    : _instance(std::move(instance)),
+      _candidate(std::move(candidate)),
+      _memoryProperties(_candidate.device.getMemoryProperties()),
+      _onLost(std::move(onLost)),
+      _device(openDevice(_candidate)),
+      _queue(_device, _candidate.queueFamily, 0),
+      _bindings(std::make_unique<VulkanBindings>(_device)),
+      _pipelineCache(std::make_unique<VulkanPipelineCache>(_device, _candidate.properties, pipelineCacheDirectory)) {}
+
+VulkanDevice::~VulkanDevice() {
+    waitIdle();
+}
+
+std::string VulkanDevice::name() const {
+    return _candidate.properties.deviceName.data();
+}
+
+std::string VulkanDevice::driverDescription() const {
+    return vulkan::driverDescription(_candidate.device);
+}
+
+bool VulkanDevice::supportsFeatureSet(FeatureSet featureSet) const {
+    return featureSet == FeatureSet::MacOsGpuFamily1V3 && _candidate.hasAllFeatures;
+}
+
+std::size_t VulkanDevice::maximumTextureSize() const {
+    return _candidate.properties.limits.maxImageDimension2D;
+}
+
+void VulkanDevice::submit(const vk::SubmitInfo2& submission, vk::Fence fence) {
+    vk::resultCheck(trySubmit(submission, fence), "vkQueueSubmit2");
+}
+
+vk::Result VulkanDevice::trySubmit(const vk::SubmitInfo2& submission, vk::Fence fence) noexcept {
+    if (isLost()) {
+        return vk::Result::eErrorDeviceLost;
+    }
+    const std::lock_guard lock(_queueMutex);
+    return (*_queue).submit2(1, &submission, fence, *_device.getDispatcher());
+}
+
+vk::Result VulkanDevice::present(const vk::PresentInfoKHR& presentation) {
+    if (isLost()) {
+        return vk::Result::eErrorDeviceLost;
+    }
+    vk::Result result = vk::Result::eSuccess;
+    {
+        const std::lock_guard lock(_queueMutex);
+        result = (*_queue).presentKHR(&presentation, *_device.getDispatcher());
+    }
+    if (result == vk::Result::eErrorDeviceLost) {
+        lose();
+    }
+    return result;
+}
+
+void VulkanDevice::waitIdle() noexcept {
+    const std::lock_guard lock(_queueMutex);
+    // Whether it succeeds or the device is lost: nothing runs on it afterwards.
+    static_cast<void>(_device.getDispatcher()->vkDeviceWaitIdle(static_cast<VkDevice>(*_device)));
+}
+
+void VulkanDevice::runAndWait(const std::function<void(const vk::raii::CommandBuffer&)>& record) {
+    const vk::raii::CommandPool pool(_device,
+                                     vk::CommandPoolCreateInfo{.flags = vk::CommandPoolCreateFlagBits::eTransient,
+                                                               .queueFamilyIndex = queueFamily()});
+    const vk::raii::CommandBuffers buffers(
+        _device, vk::CommandBufferAllocateInfo{
+                     .commandPool = *pool, .level = vk::CommandBufferLevel::ePrimary, .commandBufferCount = 1});
+    const vk::raii::CommandBuffer& commands = buffers.front();
+    commands.begin({.flags = vk::CommandBufferUsageFlagBits::eOneTimeSubmit});
+    record(commands);
+    commands.end();
+
+    const vk::raii::Fence finished(_device, vk::FenceCreateInfo{});
+    const vk::CommandBufferSubmitInfo submitted{.commandBuffer = *commands};
+    submit({.commandBufferInfoCount = 1, .pCommandBufferInfos = &submitted}, *finished);
+    vk::resultCheck(_device.waitForFences(*finished, VK_TRUE, std::numeric_limits<std::uint64_t>::max()),
+                    "vkWaitForFences");
+}
+
+vk::raii::DeviceMemory VulkanDevice::allocate(const vk::MemoryRequirements& requirements,
+                                              vk::MemoryPropertyFlags required,
+                                              vk::MemoryPropertyFlags preferred) const {
+    for (const vk::MemoryPropertyFlags wanted : {required | preferred, required}) {
+        for (std::uint32_t i = 0; i < _memoryProperties.memoryTypeCount; ++i) {
+            const vk::MemoryType& type = _memoryProperties.memoryTypes[i];
+            const bool allowed = (requirements.memoryTypeBits & (1U << i)) != 0;
+            const bool fits = requirements.size <= _memoryProperties.memoryHeaps[type.heapIndex].size;
+            if (allowed && fits && (type.propertyFlags & wanted) == wanted) {
+                return {_device, vk::MemoryAllocateInfo{.allocationSize = requirements.size, .memoryTypeIndex = i}};
+            }
+        }
+    }
+    throw vk::OutOfDeviceMemoryError("no memory of a fitting kind is so large");
+}
+
+void VulkanDevice::setObjectName(vk::ObjectType type, std::uint64_t handle, const std::string& name) const {
+    if (!_instance->hasDebugNames()) {
+        return;
+    }
+    try {
+        _device.setDebugUtilsObjectNameEXT({.objectType = type, .objectHandle = handle, .pObjectName = name.c_str()});
+    } catch (const vk::SystemError&) {
+        // Names only help debugging.
+    }
+}
+
+void VulkanDevice::lose() noexcept {
+    if (_lost.exchange(true, std::memory_order_acq_rel)) {
+        return;
+    }
+    logOnce("the device was lost", _candidate.properties.deviceName.data());
+    try {
+        _onLost(*this);
+    } catch (const std::exception& error) {
+        logOnce("the loss of the device could not be told", error.what());
+    }
+}
+
+void VulkanDevice::logOnce(const char* what, const char* reason) noexcept {
+    try {
+        const std::string message = std::string("gpu: ") + what + ": " + reason;
+        const std::lock_guard lock(_logMutex);
+        if (_logged.insert(message).second) {
+            platform::systemLog(message);
+        }
+    } catch (const std::exception&) {
+        // Out of memory for a message: there is nobody left to tell.
+    }
+}
+
+template <typename Make>
+std::invoke_result_t<Make> VulkanDevice::create(const char* what, Make make) {
+    if (isLost()) {
+        return {};
+    }
+    if (!_candidate.hasAllFeatures) {
+        logOnce(what, "the device lacks features");
+        return {};
+    }
+    return attempt(what, std::move(make));
+}
+
+std::shared_ptr<CommandQueue> VulkanDevice::makeCommandQueue() {
+    return create("a command queue could not be made", [this] { return std::make_shared<VulkanCommandQueue>(self()); });
+}
+
+std::shared_ptr<Texture> VulkanDevice::makeTexture(const TextureDescriptor& descriptor) {
+    return create("a texture could not be made",
+                  [&] { return std::make_shared<VulkanTexture>(self(), descriptor, TexturePurpose::Ordinary, false); });
+}
+
+std::shared_ptr<VulkanTexture> VulkanDevice::makeLayerTexture(PixelFormat format, Extent size, bool framebufferOnly) {
+    return create("an image of a layer could not be made", [&]() -> std::shared_ptr<VulkanTexture> {
+        const TextureDescriptor descriptor{.pixelFormat = format,
+                                           .width = size.width,
+                                           .height = size.height,
+                                           .usage = TextureUsage::RenderTarget,
+                                           .storageMode = StorageMode::Private};
+        if (size.width > maximumTextureSize() || size.height > maximumTextureSize()) {
+            throw vk::OutOfDeviceMemoryError("an image cannot be so large");
+        }
+        return std::make_shared<VulkanTexture>(self(), descriptor, TexturePurpose::LayerImage, framebufferOnly);
+    });
+}
+
+std::shared_ptr<Buffer> VulkanDevice::makeBuffer(std::size_t length) {
+    return create("a buffer could not be made", [&] { return std::make_shared<VulkanBuffer>(self(), length); });
+}
+
+std::shared_ptr<Library> VulkanDevice::makeLibrary(const std::filesystem::path& file) {
+    return create("a shader library could not be loaded", [&] { return VulkanLibrary::open(self(), file); });
+}
+
+std::shared_ptr<RenderPipelineState> VulkanDevice::makeRenderPipelineState(const RenderPipelineDescriptor& descriptor) {
+    return create("a render pipeline state could not be made",
+                  [&] { return std::make_shared<VulkanRenderPipelineState>(self(), descriptor); });
+}
+
+std::shared_ptr<ComputePipelineState> VulkanDevice::makeComputePipelineState(
+    const std::shared_ptr<Function>& function) {
+    return create("a compute pipeline state could not be made",
+                  [&] { return std::make_shared<VulkanComputePipelineState>(self(), function); });
+}
+
+}  // namespace gpu::vulkan

@@ -1,0 +1,111 @@
+#include "platform/gpu/vulkan/VulkanLayer.hpp"
+
+#include "platform/SystemLog.hpp"
+#include "platform/gpu/vulkan/DrawableRing.hpp"
+#include "platform/gpu/vulkan/VulkanBuffer.hpp"
+#include "platform/gpu/vulkan/VulkanPresenter.hpp"
+
+#include <exception>
+#include <string>
+#include <utility>
+
+namespace gpu::vulkan {
+namespace {
+
+constexpr std::size_t readBytesPerPixel = 4;
+
+void recordReadBack(const vk::raii::CommandBuffer& commands, const VulkanTexture& texture, const VulkanBuffer& buffer) {
+    const vk::BufferImageCopy whole{.imageSubresource = colorLayers(),
+                                    .imageExtent = {texture.extent().width, texture.extent().height, 1}};
+    const vk::MemoryBarrier2 forTheHost{.srcStageMask = vk::PipelineStageFlagBits2::eAllTransfer,
+                                        .srcAccessMask = vk::AccessFlagBits2::eTransferWrite,
+                                        .dstStageMask = vk::PipelineStageFlagBits2::eHost,
+                                        .dstAccessMask = vk::AccessFlagBits2::eHostRead};
+    commands.copyImageToBuffer(texture.image(), use::copySource.layout, buffer.buffer(), whole);
+    commands.pipelineBarrier2({.memoryBarrierCount = 1, .pMemoryBarriers = &forTheHost});
+}
+
+}  // namespace
+
+VulkanLayer::VulkanLayer() = default;
+
+VulkanLayer::~VulkanLayer() = default;
+
+std::shared_ptr<Drawable> VulkanLayer::makeDrawable(const Configuration& configuration) {
+    try {
+        chooseRing(configuration);
+        return _ring != nullptr ? takeDrawable() : nullptr;
+    } catch (const std::exception& error) {
+        platform::systemLog(std::string("gpu: no drawable: ") + error.what());
+        return nullptr;
+    }
+}
+
+/// Takes up the wanted size and format. On a lost device there can be no new images, and frames fail anyway: there the
+/// former ones go on serving, so that the frame loop keeps its slots.
+void VulkanLayer::chooseRing(const Configuration& configuration) {
+    const auto device = std::dynamic_pointer_cast<VulkanDevice>(configuration.device);
+    if (device == nullptr) {
+        _ring.reset();
+        return;
+    }
+    const bool fits = _ring != nullptr && _ring->holds(*device, configuration.pixelFormat, configuration.drawableSize,
+                                                       configuration.framebufferOnly);
+    if (!fits && (_ring == nullptr || !device->isLost())) {
+        _ring = std::make_shared<DrawableRing>(device, configuration.pixelFormat, configuration.drawableSize,
+                                               configuration.framebufferOnly);
+    }
+}
+
+std::shared_ptr<Drawable> VulkanLayer::takeDrawable() {
+    std::shared_ptr<Drawable> drawable;
+    const auto takeOne = [&] {
+        drawable = _ring->take(weak_from_this(), _nextIdentifier);
+        return drawable != nullptr;
+    };
+    const bool taken = takeOne() || (_ring->grow(DrawableRing::usualImages) && takeOne()) ||
+                       (dropWaitingFrame() && takeOne()) || (_ring->grow(DrawableRing::maximumImages) && takeOne());
+    _nextIdentifier += taken ? 1 : 0;
+    return drawable;
+}
+
+/// A frame that nobody has begun to show makes room for the next one.
+bool VulkanLayer::dropWaitingFrame() {
+    const std::lock_guard lock(_presenterMutex);
+    return _presenter != nullptr && _presenter->dropWaitingFrame();
+}
+
+void VulkanLayer::presentFinished(std::shared_ptr<Drawable> drawable) {
+    const std::lock_guard lock(_presenterMutex);
+    if (_presenter != nullptr) {
+        _presenter->show(std::move(drawable));
+    }
+}
+
+void VulkanLayer::changePresentationTarget(PresentationTarget target) {
+    const std::lock_guard changing(_targetMutex);
+    std::unique_ptr<VulkanPresenter> presenter;
+    {
+        const std::lock_guard lock(_presenterMutex);
+        presenter.swap(_presenter);
+    }
+    presenter.reset();
+    presenter = VulkanPresenter::start(std::move(target));
+    const std::lock_guard lock(_presenterMutex);
+    presenter.swap(_presenter);
+}
+
+std::vector<std::byte> VulkanLayer::copyPixels(const Drawable& drawable) {
+    const auto texture = std::dynamic_pointer_cast<VulkanTexture>(drawable.texture());
+    if (texture == nullptr || bytesPerPixel(texture->pixelFormat()) != readBytesPerPixel) {
+        return {};
+    }
+    VulkanDevice& device = texture->vulkanDevice();
+    return device.attempt("a frame could not be read back", [&] {
+        VulkanBuffer buffer(device.self(), texture->width() * texture->height() * readBytesPerPixel);
+        device.runAndWait([&](const vk::raii::CommandBuffer& commands) { recordReadBack(commands, *texture, buffer); });
+        return std::vector<std::byte>(buffer.contents(), buffer.contents() + buffer.length());
+    });
+}
+
+}  // namespace gpu::vulkan

@@ -1,0 +1,153 @@
+#include "platform/gpu/vulkan/VulkanPresenter.hpp"
+
+#include "platform/SystemLog.hpp"
+#include "platform/gpu/vulkan/VulkanSwapchain.hpp"
+#include "platform/gpu/vulkan/VulkanTexture.hpp"
+
+#include <algorithm>
+#include <condition_variable>
+#include <exception>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace gpu::vulkan {
+
+/// What the thread works on. It holds this itself, so that it can be left behind.
+struct VulkanPresenter::Work {
+    explicit Work(PresentationTarget presentationTarget)
+        : target(std::move(presentationTarget)), window(std::get<XcbWindow>(target.window)) {}
+
+    void run() noexcept;
+    std::shared_ptr<Drawable> waitForFrame();
+    ShowResult show(const Drawable& drawable);
+    ShowResult showInWindow(const VulkanTexture& picture);
+    void prepareWindow();
+
+    // The thread's own.
+    PresentationTarget target;
+    XcbWindow window;
+    std::unique_ptr<VulkanSwapchain> swapchain;
+    std::vector<std::shared_ptr<Device>> devices;  ///< all it met: none shall die on this thread
+
+    // Shared.
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::shared_ptr<Drawable> waiting;
+    bool open = true;  ///< takes frames
+    bool ended = false;
+};
+
+void VulkanPresenter::Work::run() noexcept {
+    while (const std::shared_ptr<Drawable> drawable = waitForFrame()) {
+        if (show(*drawable) == ShowResult::WindowGone) {
+            platform::systemLog("gpu: a window has gone; its frames are no longer shown");
+            break;
+        }
+    }
+    swapchain.reset();
+    std::shared_ptr<Drawable> unshown;
+    const std::lock_guard lock(mutex);
+    unshown.swap(waiting);
+    open = false;
+    ended = true;
+    changed.notify_all();
+}
+
+std::shared_ptr<Drawable> VulkanPresenter::Work::waitForFrame() {
+    std::unique_lock lock(mutex);
+    changed.wait(lock, [this] { return waiting != nullptr || !open; });
+    return open ? std::exchange(waiting, nullptr) : nullptr;
+}
+
+ShowResult VulkanPresenter::Work::show(const Drawable& drawable) {
+    const auto& picture = static_cast<const VulkanTexture&>(*drawable.texture());
+    const ShowResult result =
+        picture.vulkanDevice().attempt("a frame could not be shown", [&] { return showInWindow(picture); });
+    if (result == ShowResult::Failed) {
+        swapchain.reset();  // the next frame begins anew
+    }
+    return result;
+}
+
+ShowResult VulkanPresenter::Work::showInWindow(const VulkanTexture& picture) {
+    VulkanDevice& device = picture.vulkanDevice();
+    if (device.isLost()) {
+        return ShowResult::Failed;
+    }
+    try {
+        // A window has one swapchain at a time; a device that replaces a lost one makes its own.
+        if (swapchain == nullptr || &swapchain->device() != &device) {
+            swapchain.reset();
+            if (std::ranges::find(devices, picture.device()) == devices.end()) {
+                devices.push_back(picture.device());
+            }
+            swapchain = std::make_unique<VulkanSwapchain>(device.self(), window);
+        }
+        return swapchain->show(picture, [this] { prepareWindow(); });
+    } catch (const vk::SurfaceLostKHRError&) {
+        return ShowResult::WindowGone;
+    }
+}
+
+void VulkanPresenter::Work::prepareWindow() {
+    if (const auto prepare = std::exchange(target.willPresentFirstFrame, nullptr)) {
+        prepare();
+    }
+}
+
+std::unique_ptr<VulkanPresenter> VulkanPresenter::start(PresentationTarget target) noexcept {
+    const auto* window = std::get_if<XcbWindow>(&target.window);
+    if (window == nullptr || window->connection == nullptr || window->window == 0) {
+        return nullptr;
+    }
+    try {
+        return std::unique_ptr<VulkanPresenter>(new VulkanPresenter(std::make_shared<Work>(std::move(target))));
+    } catch (const std::exception& error) {
+        platform::systemLog(std::string("gpu: frames cannot be shown: ") + error.what());
+        return nullptr;
+    }
+}
+
+VulkanPresenter::VulkanPresenter(std::shared_ptr<Work> work)
+    : _work(std::move(work)), _thread([own = _work] { own->run(); }) {}
+
+VulkanPresenter::~VulkanPresenter() {
+    std::shared_ptr<Drawable> unshown;
+    std::unique_lock lock(_work->mutex);
+    unshown.swap(_work->waiting);
+    _work->open = false;
+    _work->changed.notify_all();
+    const bool onItsThread = _thread.get_id() == std::this_thread::get_id();
+    const bool ended = !onItsThread && _work->changed.wait_for(lock, patience, [this] { return _work->ended; });
+    lock.unlock();
+    if (ended) {
+        _thread.join();
+        return;
+    }
+    if (!onItsThread) {
+        platform::systemLog("gpu: a window does not let go of its last frame; left as it is");
+    }
+    _thread.detach();
+}
+
+void VulkanPresenter::show(std::shared_ptr<Drawable> drawable) {
+    const std::lock_guard lock(_work->mutex);
+    if (_work->open) {
+        _work->waiting.swap(drawable);
+        _work->changed.notify_all();
+    }
+}
+
+bool VulkanPresenter::dropWaitingFrame() {
+    std::shared_ptr<Drawable> unshown;
+    const std::lock_guard lock(_work->mutex);
+    if (_work->waiting.use_count() != 1) {
+        return false;
+    }
+    unshown.swap(_work->waiting);
+    return true;
+}
+
+}  // namespace gpu::vulkan

@@ -1,0 +1,228 @@
+#include "platform/gpu/vulkan/VulkanSwapchain.hpp"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <utility>
+
+namespace gpu::vulkan {
+namespace {
+
+constexpr ImageUse shownInWindow{
+    .layout = vk::ImageLayout::ePresentSrcKHR, .stages = vk::PipelineStageFlagBits2::eNone, .access = {}};
+
+/// The window system's choice is ours: what Wayland says of a surface's size.
+constexpr std::uint32_t anySize = std::numeric_limits<std::uint32_t>::max();
+
+vk::raii::SurfaceKHR makeSurface(const VulkanDevice& device, const XcbWindow& window) {
+    if (!device.hasSwapchain() || !device.instance().hasXcbSurfaces()) {
+        throw vk::SurfaceLostKHRError("the device has no window surfaces");
+    }
+    vk::raii::SurfaceKHR surface(
+        device.instance().handle(),
+        vk::XcbSurfaceCreateInfoKHR{.connection = static_cast<xcb_connection_t*>(window.connection),
+                                    .window = window.window});
+    if (device.physicalDevice().getSurfaceSupportKHR(device.queueFamily(), *surface) != VK_TRUE) {
+        throw vk::SurfaceLostKHRError("the device cannot show pictures in this window");
+    }
+    return surface;
+}
+
+vk::raii::CommandBuffer makeCommandBuffer(const vk::raii::Device& device, const vk::raii::CommandPool& pool) {
+    return std::move(vk::raii::CommandBuffers(
+        device, vk::CommandBufferAllocateInfo{
+                    .commandPool = *pool, .level = vk::CommandBufferLevel::ePrimary, .commandBufferCount = 1})[0]);
+}
+
+/// Mailbox never blocks and never tears. Fifo is what every device has.
+vk::PresentModeKHR choosePresentMode(const VulkanDevice& device, const vk::raii::SurfaceKHR& surface) {
+    const auto offered = device.physicalDevice().getSurfacePresentModesKHR(*surface);
+    const bool hasMailbox = std::ranges::find(offered, vk::PresentModeKHR::eMailbox) != offered.end();
+    return hasMailbox ? vk::PresentModeKHR::eMailbox : vk::PresentModeKHR::eFifo;
+}
+
+/// The picture's own format where there is one; else one that a blit converts to without touching the values.
+vk::SurfaceFormatKHR chooseFormat(const VulkanDevice& device, const vk::raii::SurfaceKHR& surface, vk::Format picture) {
+    const std::array wanted{picture,
+                            vk::Format::eB8G8R8A8Unorm,
+                            vk::Format::eR8G8B8A8Unorm,
+                            vk::Format::eA8B8G8R8UnormPack32,
+                            vk::Format::eA2R10G10B10UnormPack32,
+                            vk::Format::eA2B10G10R10UnormPack32,
+                            vk::Format::eR5G6B5UnormPack16};
+    const auto offered = device.physicalDevice().getSurfaceFormatsKHR(*surface);
+    for (const vk::Format format : wanted) {
+        const auto found = std::ranges::find(offered, format, &vk::SurfaceFormatKHR::format);
+        if (found != offered.end()) {
+            return *found;
+        }
+    }
+    return offered.at(0);
+}
+
+vk::CompositeAlphaFlagBitsKHR chooseAlpha(const vk::SurfaceCapabilitiesKHR& capabilities) {
+    using Alpha = vk::CompositeAlphaFlagBitsKHR;
+    return capabilities.supportedCompositeAlpha & Alpha::eOpaque ? Alpha::eOpaque : Alpha::eInherit;
+}
+
+std::uint32_t chooseImageCount(const vk::SurfaceCapabilitiesKHR& capabilities) {
+    const std::uint32_t wanted = std::max(3U, capabilities.minImageCount + 1);
+    return capabilities.maxImageCount == 0 ? wanted : std::min(wanted, capabilities.maxImageCount);
+}
+
+std::array<vk::Offset3D, 2> corners(vk::Extent2D size) {
+    return {vk::Offset3D{},
+            vk::Offset3D{static_cast<std::int32_t>(size.width), static_cast<std::int32_t>(size.height), 1}};
+}
+
+}  // namespace
+
+VulkanSwapchain::VulkanSwapchain(std::shared_ptr<VulkanDevice> device, const XcbWindow& window)
+    : _device(std::move(device)),
+      _surface(makeSurface(*_device, window)),
+      _commandPool(_device->handle(),
+                   vk::CommandPoolCreateInfo{.flags = vk::CommandPoolCreateFlagBits::eResetCommandBuffer,
+                                             .queueFamilyIndex = _device->queueFamily()}),
+      _commands(makeCommandBuffer(_device->handle(), _commandPool)),
+      _acquired(_device->handle(), vk::FenceCreateInfo{}),
+      _copied(_device->handle(), vk::FenceCreateInfo{}),
+      _presentMode(choosePresentMode(*_device, _surface)) {}
+
+ShowResult VulkanSwapchain::show(const VulkanTexture& picture, const std::function<void()>& willPresent) {
+    std::optional<std::uint32_t> index = followWindow(picture) ? acquire() : std::nullopt;
+    if (!index.has_value() && _outdated && followWindow(picture)) {
+        index = acquire();
+    }
+    if (!index.has_value()) {
+        return ShowResult::Skipped;
+    }
+    copy(picture, *index);
+    willPresent();
+    return present(*index);
+}
+
+/// False when there is nothing to draw on.
+bool VulkanSwapchain::followWindow(const VulkanTexture& picture) {
+    const auto capabilities = _device->physicalDevice().getSurfaceCapabilitiesKHR(*_surface);
+    const vk::Extent2D size = windowSize(capabilities, picture);
+    if (size.width == 0 || size.height == 0) {
+        return false;
+    }
+    if (_outdated || size != _size) {
+        build(capabilities, size, picture.format());
+    }
+    return true;
+}
+
+vk::Extent2D VulkanSwapchain::windowSize(const vk::SurfaceCapabilitiesKHR& capabilities,
+                                         const VulkanTexture& picture) const {
+    if (capabilities.currentExtent.width != anySize) {
+        return capabilities.currentExtent;
+    }
+    const vk::Extent2D least = capabilities.minImageExtent;
+    const vk::Extent2D most = capabilities.maxImageExtent;
+    return {std::clamp(picture.extent().width, least.width, most.width),
+            std::clamp(picture.extent().height, least.height, most.height)};
+}
+
+void VulkanSwapchain::build(const vk::SurfaceCapabilitiesKHR& capabilities, vk::Extent2D size,
+                            vk::Format pictureFormat) {
+    const vk::raii::SwapchainKHR former = std::exchange(_swapchain, nullptr);
+    _outdated = true;  // until it has come through
+    _format = chooseFormat(*_device, _surface, pictureFormat);
+    _swapchain = vk::raii::SwapchainKHR(_device->handle(),
+                                        vk::SwapchainCreateInfoKHR{.surface = *_surface,
+                                                                   .minImageCount = chooseImageCount(capabilities),
+                                                                   .imageFormat = _format.format,
+                                                                   .imageColorSpace = _format.colorSpace,
+                                                                   .imageExtent = size,
+                                                                   .imageArrayLayers = 1,
+                                                                   .imageUsage = vk::ImageUsageFlagBits::eTransferDst,
+                                                                   .imageSharingMode = vk::SharingMode::eExclusive,
+                                                                   .preTransform = capabilities.currentTransform,
+                                                                   .compositeAlpha = chooseAlpha(capabilities),
+                                                                   .presentMode = _presentMode,
+                                                                   .clipped = VK_TRUE,
+                                                                   .oldSwapchain = *former});
+    _images.clear();
+    for (const VkImage image : _swapchain.getImages()) {
+        _images.emplace_back(image);
+    }
+    _size = size;
+    _outdated = false;
+    _hasPresented = false;
+}
+
+/// Nothing when the window system has no image to give just now.
+std::optional<std::uint32_t> VulkanSwapchain::acquire() {
+    // Not the member function of the bindings: that throws where a window has merely changed its size.
+    const auto& functions = *_device->handle().getDispatcher();
+    std::uint32_t index = 0;
+    const std::chrono::nanoseconds timeout = acquireTimeout;
+    const vk::Result result{functions.vkAcquireNextImageKHR(
+        static_cast<VkDevice>(*_device->handle()), static_cast<VkSwapchainKHR>(*_swapchain),
+        static_cast<std::uint64_t>(timeout.count()), VK_NULL_HANDLE, static_cast<VkFence>(*_acquired), &index)};
+    switch (result) {
+        case vk::Result::eSuboptimalKHR: noteSuboptimal(); [[fallthrough]];
+        case vk::Result::eSuccess: waitAndReset(_acquired); return index;
+        case vk::Result::eTimeout:
+        case vk::Result::eNotReady: return std::nullopt;
+        case vk::Result::eErrorOutOfDateKHR: _outdated = true; return std::nullopt;
+        default: vk::throwResultException(result, "vkAcquireNextImageKHR");
+    }
+}
+
+void VulkanSwapchain::copy(const VulkanTexture& picture, std::uint32_t index) {
+    _commands.begin({.flags = vk::CommandBufferUsageFlagBits::eOneTimeSubmit});
+    record(picture, _images[index]);
+    _commands.end();
+    const vk::CommandBufferSubmitInfo commands{.commandBuffer = *_commands};
+    _device->submit({.commandBufferInfoCount = 1, .pCommandBufferInfos = &commands}, *_copied);
+    waitAndReset(_copied);
+}
+
+/// All that happens to a picture on its way into the window.
+void VulkanSwapchain::record(const VulkanTexture& picture, vk::Image destination) const {
+    constexpr vk::ImageLayout from = vk::ImageLayout::eTransferSrcOptimal;
+    constexpr vk::ImageLayout to = vk::ImageLayout::eTransferDstOptimal;
+    recordBarriers(_commands, imageBarrier(destination, use::undefined, use::copyDestination));
+    if (picture.extent() == _size && picture.format() == _format.format) {
+        const vk::ImageCopy whole{
+            .srcSubresource = colorLayers(), .dstSubresource = colorLayers(), .extent = {_size.width, _size.height, 1}};
+        _commands.copyImage(picture.image(), from, destination, to, whole);
+    } else {
+        const vk::ImageBlit stretched{.srcSubresource = colorLayers(),
+                                      .srcOffsets = corners(picture.extent()),
+                                      .dstSubresource = colorLayers(),
+                                      .dstOffsets = corners(_size)};
+        _commands.blitImage(picture.image(), from, destination, to, stretched, vk::Filter::eLinear);
+    }
+    recordBarriers(_commands, imageBarrier(destination, use::copyDestination, shownInWindow));
+}
+
+ShowResult VulkanSwapchain::present(std::uint32_t index) {
+    // Without semaphores: the copy is done.
+    const vk::SwapchainKHR swapchain = *_swapchain;
+    const vk::Result result =
+        _device->present({.swapchainCount = 1, .pSwapchains = &swapchain, .pImageIndices = &index});
+    switch (result) {
+        case vk::Result::eSuboptimalKHR: noteSuboptimal(); [[fallthrough]];
+        case vk::Result::eSuccess: _hasPresented = true; return ShowResult::Shown;
+        case vk::Result::eErrorOutOfDateKHR: _outdated = true; return ShowResult::Skipped;
+        case vk::Result::eErrorSurfaceLostKHR: return ShowResult::WindowGone;
+        default: return ShowResult::Failed;
+    }
+}
+
+/// A new swapchain may help, unless the present one was so from its first picture.
+void VulkanSwapchain::noteSuboptimal() {
+    _outdated = _outdated || _hasPresented;
+}
+
+void VulkanSwapchain::waitAndReset(const vk::raii::Fence& fence) const {
+    constexpr std::uint64_t forEver = std::numeric_limits<std::uint64_t>::max();
+    static_cast<void>(_device->handle().waitForFences(*fence, VK_TRUE, forEver));
+    _device->handle().resetFences(*fence);
+}
+
+}  // namespace gpu::vulkan

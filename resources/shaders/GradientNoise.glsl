@@ -1,0 +1,73 @@
+// Gradient noise with its exact slope, grown from a small repeating texture of random numbers.
+// The including shader declares `noiseTexture` (256 x 256, signed) and `repeatingSampler`.
+
+const float noiseTexelsPerSide = 256.0;
+
+// Brings the noise to about -1 to 1: 1.4 for gradient noise of unit gradients, times the 4 that `latticeCosine` and
+// `latticeSine` leave out.
+const float noiseGain = 1.4 * 4.0;
+
+struct Noise {
+    float value;  // about -1 to 1
+    vec2 slope;   // change of the value per cell
+};
+
+// The random numbers at a cell's four corners, in the order (0, 0), (1, 0), (0, 1), (1, 1).
+// Gathered at the point where the four texels meet: the values come exact, with no filter weights in between (those
+// have 8 bits on most devices, which shows as steps in the relief), and no rounding can pick a neighbour.
+vec4 cornerNumbers(vec2 cell) {
+    vec2 meetingPoint = (cell + 1.0) / noiseTexelsPerSide;
+    return textureGather(sampler2D(noiseTexture, repeatingSampler), meetingPoint).wzxy;
+}
+
+// A quarter of cos(pi v) and of sin(pi v) for v in [-1, 1], each as two parabolas. A random number thereby becomes a
+// direction, without trigonometry.
+vec4 latticeCosine(vec4 v) {
+    vec4 x = 0.5 - abs(v);
+    return x - x * abs(x);
+}
+
+vec4 latticeSine(vec4 v) {
+    return v - v * abs(v);
+}
+
+// The quintic fade of Ken Perlin, "Improving Noise" (SIGGRAPH 2002): no step in slope or curvature between cells.
+vec2 fade(vec2 t) {
+    return t * t * t * (t * (t * 6.0 - 15.0) + 10.0);
+}
+
+vec2 fadeSlope(vec2 t) {
+    vec2 s = t * (t - 1.0);
+    return 30.0 * s * s;
+}
+
+// Interpolates between the four corners of a cell.
+float betweenCorners(vec4 corners, vec2 weight) {
+    vec2 row = mix(corners.xz, corners.yw, weight.x);
+    return mix(row.x, row.y, weight.y);
+}
+
+// `position` in cells; a cell is as wide as one number of the texture.
+Noise gradientNoise(vec2 position) {
+    vec2 cell = floor(position);
+    vec2 inCell = position - cell;
+    vec2 fromFarCorner = inCell - 1.0;
+
+    vec4 numbers = cornerNumbers(cell);
+    vec4 gradientX = latticeCosine(numbers);
+    vec4 gradientY = latticeSine(numbers);
+
+    // The height of each corner's own slanted plane at this position.
+    vec4 planes = gradientX * vec4(inCell.x, fromFarCorner.x, inCell.x, fromFarCorner.x) +
+                  gradientY * vec4(inCell.y, inCell.y, fromFarCorner.y, fromFarCorner.y);
+
+    vec2 weight = fade(inCell);
+    vec2 rows = mix(planes.xz, planes.yw, weight.x);
+    vec2 acrossX = planes.yw - planes.xz;
+
+    // Product rule: the planes' slopes, weighted, plus the weights' slopes times what they blend.
+    vec2 planeSlope = vec2(betweenCorners(gradientX, weight), betweenCorners(gradientY, weight));
+    vec2 blendSlope = fadeSlope(inCell) * vec2(mix(acrossX.x, acrossX.y, weight.y), rows.y - rows.x);
+
+    return Noise(noiseGain * mix(rows.x, rows.y, weight.y), noiseGain * (planeSlope + blendSlope));
+}
