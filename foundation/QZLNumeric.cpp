@@ -87,7 +87,7 @@ void QZLCreateRandomizedSequence(std::uint32_t* array, std::int32_t n) {
         array[i] = static_cast<std::uint32_t>(i);
     }
     // Forward Fisher-Yates: every element changes places with itself or a later one.
-    for (std::int32_t i = 0; i < n - 1; ++i) {
+    for (std::int32_t i = 0; i + 1 < n; ++i) {
         const std::int64_t j = i + platform::random() % (n - i);
         std::swap(array[i], array[j]);
     }

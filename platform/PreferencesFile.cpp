@@ -61,7 +61,9 @@ std::optional<PreferencesFile::Texts> PreferencesFile::read() const {
     const QSettings settings(qString(_path), QSettings::IniFormat);
     Texts texts;
     for (const QString& key : settings.allKeys()) {
-        texts[key.toStdString()] = text(settings.value(key));
+        if (!key.isEmpty()) {  // a damaged line
+            texts[key.toStdString()] = text(settings.value(key));
+        }
     }
     return settings.status() != QSettings::AccessError ? std::optional(texts) : std::nullopt;
 }

@@ -14,7 +14,10 @@ namespace {
 /// A standing clock, some time after the zero point, and a counter over one second.
 class QZLCounterTest : public testing::Test {
 protected:
-    QZLCounterTest() { clock.advance(1.0); }
+    QZLCounterTest() {
+        QZLPrecisionTimeNanoseconds();  // the process's zero point, at which no period can open
+        clock.advance(1.0);
+    }
 
     fake::Clock clock;
     QZLCounter counter{1.0};

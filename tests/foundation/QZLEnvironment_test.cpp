@@ -11,6 +11,7 @@
 #include <atomic>
 #include <latch>
 #include <optional>
+#include <ostream>
 #include <thread>
 #include <vector>
 
@@ -21,6 +22,11 @@ struct VersionCase {
     const char* shown;
     std::array<std::int32_t, 3> numbers;
 };
+
+/// Names the case in the list of tests.
+std::ostream& operator<<(std::ostream& stream, const VersionCase& versionCase) {
+    return stream << versionCase.shown;
+}
 
 class QZLVersionText : public testing::TestWithParam<VersionCase> {};
 

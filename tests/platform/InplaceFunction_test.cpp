@@ -77,8 +77,8 @@ TEST(InplaceFunction, HoldsACallableThatFillsItsPlace) {
 }
 
 TEST(InplaceFunction, ForwardsReferencesAndMoveOnlyArguments) {
-    platform::InplaceFunction<void(std::unique_ptr<int>, int&), 16> function =
-        [](std::unique_ptr<int> given, int& taken) { taken = *given; };
+    platform::InplaceFunction<void(std::unique_ptr<int>, int&), 16> function = [](std::unique_ptr<int> given,
+                                                                                  int& taken) { taken = *given; };
     int taken = 0;
     function(std::make_unique<int>(11), taken);
     EXPECT_EQ(taken, 11);

@@ -122,12 +122,14 @@ TEST_F(NotificationCenter, AnObserverMayPost) {
 
 TEST_F(NotificationCenter, WhatAForgottenObserverCapturedMayAddObserversAsItGoes) {
     struct AddsWhenItGoes {
-        NotificationCenter* test;
+        platform::NotificationCenter& center;
         Token token = makeToken();
-        ~AddsWhenItGoes() { test->center.addObserver("saved", token, [](std::string_view) {}); }
+        ~AddsWhenItGoes() {
+            center.addObserver("saved", token, [](std::string_view) {});
+        }
     };
     Token token = makeToken();
-    auto captured = std::make_shared<AddsWhenItGoes>(AddsWhenItGoes{this});
+    auto captured = std::make_shared<AddsWhenItGoes>(AddsWhenItGoes{center});
     center.addObserver("saved", token, [captured](std::string_view) {});
     captured.reset();
     token.reset();

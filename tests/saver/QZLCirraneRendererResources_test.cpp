@@ -89,7 +89,6 @@ TEST_F(QZLCirraneRendererResources, NoMemoryForTheNoiseIsACodeOfItsOwn) {
     EXPECT_EQ(error->domain(), QZLVistashadeErrorDomain);
     EXPECT_EQ(error->code(), 1008);
     EXPECT_EQ(QZLGetErrorSubCode(*error), 0);
-    EXPECT_EQ(error->userInfoText(QZLErrorSubCodeKey), std::nullopt);
     EXPECT_EQ(error->localizedDescription(), "Out of memory.");
 }
 

@@ -141,6 +141,10 @@ struct OddSize {
     const char* viewSize;
 };
 
+void PrintTo(const OddSize& size, std::ostream* out) {
+    *out << size.width << " x " << size.height;
+}
+
 class QZLCirraneRendererAttachToNoSize : public QZLCirraneRendererAttach,
                                          public testing::WithParamInterface<OddSize> {};
 
@@ -163,6 +167,24 @@ TEST_F(QZLCirraneRendererAttach, SizeOfNothingGivesInfiniteTextureCoordinates) {
     EXPECT_THAT(journalLines(), AllOf(Contains("View size: 0 x 0."), Contains("Intermediate size: 0 x 0.")));
     EXPECT_TRUE(std::isinf(renderer->lightVertices()[1].texturePosition[0]));
     EXPECT_TRUE(std::isinf(renderer->lightVertices()[1].texturePosition[1]));
+}
+
+TEST_F(QZLCirraneRendererAttach, ViewThatIsGoneMeanwhileHasNoSize) {
+    renderer = makeRenderer();
+    std::shared_ptr<platform::HostView> mortal = view;
+    view->displayLink->record = [&](const std::string& call) {
+        if (call == "createDisplayLink") {
+            view.reset();
+            mortal.reset();
+        }
+    };
+    error = renderer->attachToView(mortal, false, 0, nullptr);
+    EXPECT_EQ(renderer->view(), nullptr);
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->code(), 107);
+    EXPECT_EQ(QZLGetErrorSubCode(*error), 1005);
+    EXPECT_THAT(journalLines(), AllOf(Contains("View size: 0 x 0."), Contains("Intermediate size: 0 x 0.")));
+    renderer.reset();  // its display link still calls the function above
 }
 
 TEST_F(QZLCirraneRendererAttach, SizeBeyondAllMeasureIsAnErrorAndNoCrash) {
@@ -243,7 +265,17 @@ TEST_F(QZLCirraneRendererAttach, LastOwnerDetaches) {
     EXPECT_FALSE(view->displayLink->exists);
 }
 
-// Screenshots
+TEST_F(QZLCirraneRendererAttach, NothingIsReleasedWhileACallbackMayStillRun) {
+    QZLCirraneRenderer stuck;  // one made with QZLMakeRenderer would be leaked
+    ASSERT_FALSE(attach(stuck));
+    const std::weak_ptr<gpu::Device> device = stuck.layer()->device();
+    const long users = device.use_count();
+    view->displayLink->stopResult = platform::displayLinkAbandoned;
+    stuck.detachFromView();
+    EXPECT_TRUE(stuck.isAbandoned());
+    EXPECT_EQ(device.use_count(), users);
+    view->displayLink->stopResult = platform::displayLinkSuccess;
+}
 
 struct ScreenshotCase {
     bool isPreview;

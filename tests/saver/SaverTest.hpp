@@ -30,6 +30,7 @@ protected:
             return true;
         }();
         EXPECT_TRUE(storeIsInPlace);
+        journal->setPrefix("");
         platform::setSystemLogSink([](std::string_view) {});
         std::ofstream(bundle.directory() / "default.metallib") << "library";
         QZLForgetMacOsVersion();
@@ -66,7 +67,9 @@ protected:
     }
 
     fake::Clock clock;
-    fake::Bundle bundle{{{"Localizable", {{"QZL_ERROR_MEMORY", "Out of memory."}}}, {"Vistashade", {}}}};
+    fake::Bundle bundle{
+        {{"Localizable", {{"QZL_ERROR_MEMORY", "Out of memory."}}},
+         {"Vistashade", {{"QZL_JOURNAL_MESSAGE_FORMAT", "%@%@\n"}, {"QZL_JOURNAL_LOG_FORMAT", "%@%@%@"}}}}};
     fake::ScopedGpu gpu;
     std::shared_ptr<fake::HostView> view = std::make_shared<fake::HostView>();
     std::shared_ptr<QZLJournal> journal = std::make_shared<QZLJournal>();

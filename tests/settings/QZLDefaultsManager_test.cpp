@@ -7,7 +7,6 @@
 
 #include <cmath>
 #include <cstdlib>
-#include <filesystem>
 #include <latch>
 #include <limits>
 #include <thread>
@@ -152,50 +151,19 @@ TEST_F(QZLDefaultsManagerTest, SettingsSurviveInTheModulesFile) {
     expectRegisteredDefaults(manager);
 }
 
-/// Settings go to a temporary directory for the life of this object.
-class TemporaryConfiguration {
-public:
-    TemporaryConfiguration() {
-        if (const char* former = std::getenv("XDG_CONFIG_HOME")) {
-            _former = former;
-        }
-        setenv("XDG_CONFIG_HOME", _directory.path().c_str(), 1);
-    }
-    ~TemporaryConfiguration() {
-        if (_former) {
-            setenv("XDG_CONFIG_HOME", _former->c_str(), 1);
-        } else {
-            unsetenv("XDG_CONFIG_HOME");
-        }
-    }
-    TemporaryConfiguration(const TemporaryConfiguration&) = delete;
-    TemporaryConfiguration& operator=(const TemporaryConfiguration&) = delete;
-
-    bool contains(const std::string& name) const { return std::filesystem::exists(_directory.path() / name); }
-
-private:
-    fake::TemporaryDirectory _directory;
-    std::optional<std::string> _former;
-};
-
-TEST_F(QZLDefaultsManagerTest, TheStoreIsNamedAfterTheBundlesIdentifier) {
-    const TemporaryConfiguration configuration;
+TEST_F(QZLDefaultsManagerTest, TheStoreIsThatOfTheBundlesIdentifier) {
     bundle.setInfo("CFBundleIdentifier", "org.example.named");
     platform::setPreferencesStore(nullptr);
-    manager.setColors(0.5F);
-    EXPECT_TRUE(manager.synchronize());
-    EXPECT_TRUE(configuration.contains("org.example.named.conf"));
-    EXPECT_EQ(manager.screenSaverDefaults(), manager.screenSaverDefaults());
     EXPECT_EQ(manager.screenSaverDefaults(), platform::preferencesForModule("org.example.named"));
+    EXPECT_NE(manager.screenSaverDefaults(), platform::preferencesForModule("org.example.other"));
 }
 
 TEST_F(QZLDefaultsManagerTest, ABundleWithoutIdentifierStillHasAStore) {
-    const TemporaryConfiguration configuration;
-    bundle.setInfo("CFBundleIdentifier", "");
     platform::setPreferencesStore(nullptr);
-    manager.setColors(0.5F);
-    EXPECT_TRUE(manager.synchronize());
-    EXPECT_TRUE(configuration.contains("Cirrane.conf"));
+    bundle.setInfo("CFBundleIdentifier", "");
+    EXPECT_EQ(manager.screenSaverDefaults(), platform::preferencesForModule("Cirrane"));
+    platform::Bundle::setOverride(nullptr);  // no bundle at all
+    EXPECT_EQ(manager.screenSaverDefaults(), platform::preferencesForModule("Cirrane"));
 }
 
 int exitCodeOfAFirstUseByMany() {

@@ -22,7 +22,7 @@ struct FileHeader {
     std::uint64_t checksum = 0;
 };
 
-/// VkPipelineCacheHeaderVersionOne of the Vulkan specification, "Pipeline Cache Header", which every driver's data
+/// VkPipelineCacheHeaderVersionOne (Khronos, "Vulkan", chapter "Pipeline Cache Header"), which every driver's data
 /// starts with.
 struct DriverHeader {
     std::uint32_t headerSize = 0;

@@ -10,7 +10,7 @@
 namespace gpu::vulkan {
 namespace {
 
-// The SPIR-V specification, sections 2.3 "Physical Layout", 3.3 "Execution Model" and 3.49.6 "OpEntryPoint".
+// Khronos, "SPIR-V", chapters "Physical Layout of a SPIR-V Module and Instruction", "Execution Model", "OpEntryPoint".
 constexpr std::uint32_t magicNumber = 0x07230203;
 constexpr std::size_t headerWords = 5;
 constexpr std::uint32_t opEntryPoint = 15;

@@ -80,6 +80,7 @@ VulkanRenderPipelineState::VulkanRenderPipelineState(const std::shared_ptr<Vulka
                                               .pDynamicState = &dynamic,
                                               .layout = device->bindings().pipelineLayout()};
     _pipeline = vk::raii::Pipeline(device->handle(), device->pipelineCache().handle(), info);
+    device->pipelineCache().save();  // now, as nobody knows how the process will end
 }
 
 void VulkanRenderPipelineState::labelDidChange() {
@@ -93,6 +94,7 @@ VulkanComputePipelineState::VulkanComputePipelineState(const std::shared_ptr<Vul
     const vk::ComputePipelineCreateInfo info{.stage = stage(*function, vk::ShaderStageFlagBits::eCompute, kind),
                                              .layout = device->bindings().pipelineLayout()};
     _pipeline = vk::raii::Pipeline(device->handle(), device->pipelineCache().handle(), info);
+    device->pipelineCache().save();  // now, as nobody knows how the process will end
 }
 
 void VulkanComputePipelineState::labelDidChange() {

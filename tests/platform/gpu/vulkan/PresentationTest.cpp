@@ -4,10 +4,24 @@
 #include "platform/gpu/RenderPassDescriptor.hpp"
 #include "platform/gpu/vulkan/VulkanBackend.hpp"
 
+#include <dlfcn.h>
+
 #include <chrono>
 #include <stdexcept>
 #include <thread>
 #include <utility>
+
+namespace {
+
+/// Keeps the driver and the validation layer loaded to the end, because a leak report can name, and so pass over, only
+/// libraries that are still there.
+void keepLibrariesLoaded() {
+    for (const char* const library : {"libvulkan_lvp.so", "libVkLayer_khronos_validation.so"}) {
+        dlopen(library, RTLD_LAZY | RTLD_NODELETE);
+    }
+}
+
+}  // namespace
 
 bool eventually(const std::function<bool()>& condition) {
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
@@ -21,6 +35,7 @@ bool eventually(const std::function<bool()>& condition) {
 }
 
 PresentationTest::PresentationTest() {
+    keepLibrariesLoaded();
     platform::setSystemLogSink([this](std::string_view line) {
         const std::lock_guard lock(_mutex);
         _log.emplace_back(line);

@@ -14,9 +14,13 @@ thread_local std::size_t allocations = 0;
 
 }  // namespace
 
-void* operator new(std::size_t size) {
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     ++allocations;
-    if (void* const memory = std::malloc(size == 0 ? 1 : size)) {
+    return std::malloc(size == 0 ? 1 : size);
+}
+
+void* operator new(std::size_t size) {
+    if (void* const memory = operator new(size, std::nothrow)) {
         return memory;
     }
     throw std::bad_alloc();
@@ -182,7 +186,7 @@ TEST_F(VulkanLayer, AFrameWaitingForAStuckWindowMakesRoomForTheNext) {
 }
 
 TEST_F(VulkanLayer, ASteadyFrameTakesItsDrawableWithoutAllocating) {
-    const auto takeThree = [this, last = std::shared_ptr<gpu::Drawable>()]() mutable {
+    auto takeThree = [this, last = std::shared_ptr<gpu::Drawable>()]() mutable {
         const auto first = _layer->nextDrawable();
         const auto second = _layer->nextDrawable();
         last = _layer->nextDrawable();

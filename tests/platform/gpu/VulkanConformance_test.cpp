@@ -1,0 +1,3 @@
+#include "tests/platform/gpu/VulkanBackendUnderTest.hpp"
+
+INSTANTIATE_TEST_SUITE_P(Vulkan, Conformance, testing::Values(vulkanBackend()));
