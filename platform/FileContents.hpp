@@ -1,11 +1,18 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
+#include <span>
 #include <string>
+#include <system_error>
 
 namespace platform {
 
 /// The bytes of a regular file; none when there is no such file or it cannot be read.
 std::string fileContents(const std::filesystem::path& path);
+
+/// Puts a file with these bytes in the path's place, whole or not at all: on failure the former file, if any, stays.
+/// Any thread.
+std::error_code replaceFile(const std::filesystem::path& path, std::span<const std::byte> bytes);
 
 }  // namespace platform

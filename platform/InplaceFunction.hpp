@@ -19,7 +19,7 @@ public:
 
     template <typename Callable>
     requires(!std::is_same_v<std::decay_t<Callable>, InplaceFunction>)
-        InplaceFunction(Callable&& callable) {  // NOLINT(google-explicit-constructor): converts like std::function
+        InplaceFunction(Callable&& callable) {  // NOLINT: converts like std::function, and never hides a move
         using Stored = std::decay_t<Callable>;
         static_assert(sizeof(Stored) <= Capacity, "the callable captures more than fits in place");
         static_assert(alignof(Stored) <= alignof(std::max_align_t));

@@ -2,16 +2,18 @@
 
 #include "platform/FileContents.hpp"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <QLockFile>
 #include <QSettings>
 #include <QStringList>
 #include <QUtf8StringView>
+
 #include <algorithm>
 #include <chrono>
 #include <string_view>
 #include <system_error>
-
-#include <unistd.h>
 
 namespace platform {
 namespace {
@@ -20,6 +22,10 @@ constexpr std::chrono::seconds repairPatience(5);
 
 QString qString(const std::filesystem::path& path) {
     return QString::fromStdString(path.string());
+}
+
+bool permitted(const std::filesystem::path& path, int mode) {
+    return faccessat(AT_FDCWD, path.c_str(), mode, AT_EACCESS) == 0;
 }
 
 bool isText(std::string_view bytes) {
@@ -72,14 +78,14 @@ bool PreferencesFile::write(const Changes& changes) const {
     return mayBeWritten() && (isSound(fileContents(_path)) || repair()) && merge(changes);
 }
 
-/// Asked before QSettings is, which would keep changes that it cannot write for the next who opens the file.
+/// Asked before QSettings is, which would keep changes that it cannot write and fail the next who only reads.
 bool PreferencesFile::mayBeWritten() const {
     std::error_code error;
     const std::filesystem::path directory = _path.parent_path();
     std::filesystem::create_directories(directory, error);
-    return access(directory.c_str(), W_OK | X_OK) == 0 &&
-           (access(_path.c_str(), F_OK) != 0 ||
-            (std::filesystem::is_regular_file(_path, error) && access(_path.c_str(), R_OK | W_OK) == 0));
+    return permitted(directory, W_OK | X_OK) &&
+           (!permitted(_path, F_OK) ||
+            (std::filesystem::is_regular_file(_path, error) && permitted(_path, R_OK | W_OK)));
 }
 
 /// Copies the file aside and leaves what makes sense of it.

@@ -149,7 +149,8 @@ std::optional<std::string> QZLMetalRenderer::takeScreenshotPath() {
                                     _screenshotCounter, screenshotLimit);
 }
 
-// The handlers hold what they need and not the renderer, which may have gone when they run.
+// The handlers hold what they need and not the renderer, which may have gone when they run; of the frame the drawable,
+// so that its image is not drawn into again before it is saved.
 
 void QZLMetalRenderer::addScheduledHandler(gpu::CommandBuffer& commandBuffer, std::int32_t index) const {
     commandBuffer.addScheduledHandler([reference = _statistics, index](gpu::CommandBuffer&) {
@@ -163,14 +164,13 @@ void QZLMetalRenderer::addCompletedHandler(gpu::CommandBuffer& commandBuffer, st
                                            std::int32_t index, std::optional<std::string> screenshotPath) const {
     commandBuffer.addCompletedHandler([path = std::move(screenshotPath), drawable = std::move(drawable),
                                        reference = _statistics, semaphore = _inFlightSemaphore,
-                                       index](gpu::CommandBuffer&) mutable {
+                                       index](gpu::CommandBuffer&) {
         if (path) {
             QZLSaveScreenshot(*path, drawable->texture());
         }
         if (const auto statistics = reference->get()) {
             statistics->notifyFrameCompleted(index);
         }
-        drawable.reset();  // first, so that the frame that takes the slot finds the image free
         semaphore->release();
     });
 }

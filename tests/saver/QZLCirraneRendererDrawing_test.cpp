@@ -1,14 +1,13 @@
 #include "foundation/QZLNumeric.hpp"
-#include "tests/saver/RecordingCommandBuffer.hpp"
-#include "tests/saver/SaverTest.hpp"
+#include "tests/saver/DrawingTest.hpp"
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstring>
 #include <future>
-#include <numbers>
 
 namespace {
 
@@ -17,9 +16,6 @@ using testing::ElementsAre;
 using testing::ElementsAreArray;
 
 constexpr double twoPi = 6.283185307179586;
-constexpr double turnsPerFrame(double period) {
-    return twoPi / period / 60.0;
-}
 
 template <typename Value>
 Value valueAt(const std::byte* bytes, std::size_t offset) {
@@ -28,42 +24,7 @@ Value valueAt(const std::byte* bytes, std::size_t offset) {
     return value;
 }
 
-/// A renderer attached at 640 x 480 and 60 Hz, with speed multiplier 1, whose frames are drawn one at a time.
-class QZLCirraneRendererDrawing : public SaverTest {
-protected:
-    QZLCirraneRendererDrawing() { defaults().setSpeed(0.5F); }
-
-    void SetUp() override { attachRenderer(); }
-
-    void attachRenderer() {
-        renderer = makeRenderer();
-        EXPECT_FALSE(attach(*renderer));
-        screenPass = std::make_shared<gpu::RenderPassDescriptor>();
-        screenPass->colorAttachments[0].texture = renderer->layer()->device()->newTexture(
-            {gpu::PixelFormat::BGRA8Unorm, 640, 480, gpu::TextureUsage::ShaderReadRenderTarget,
-             gpu::StorageMode::Private});
-        screenPass->colorAttachments[0].texture->setLabel("Screen");
-    }
-
-    QZLDrawContext contextOf(const std::shared_ptr<RecordingCommandBuffer>& commands, int slot) {
-        QZLDrawContext context(commands, screenPass, nullptr);
-        context.setBufferIndex(slot);
-        return context;
-    }
-
-    /// Draws one frame and lets the GPU finish it.
-    std::shared_ptr<RecordingCommandBuffer> drawFrame(int slot = 0, float fade = 1.0F) {
-        auto commands = std::make_shared<RecordingCommandBuffer>();
-        QZLDrawContext context = contextOf(commands, slot);
-        context.setBrightness(fade);
-        renderer->drawFrame(context);
-        commands->complete();
-        return commands;
-    }
-
-    std::shared_ptr<QZLCirraneRenderer> renderer;
-    std::shared_ptr<gpu::RenderPassDescriptor> screenPass;
-};
+class QZLCirraneRendererDrawing : public DrawingTest {};
 
 TEST_F(QZLCirraneRendererDrawing, FrameEncodesTheColorPassAndThenTheLightPass) {
     const auto commands = drawFrame(1);
@@ -207,73 +168,6 @@ TEST_F(QZLCirraneRendererDrawing, DriftRadiusBreathesBetweenItsBounds) {
     }
 }
 
-TEST_F(QZLCirraneRendererDrawing, FrameAdvancesEveryAngleByItsPeriod) {
-    renderer->setAnimationState({1.0, 1.0, 1.0, 0.5});
-    drawFrame();
-    const auto state = renderer->animationState();
-    EXPECT_NEAR(state.motionAngle - 1.0, turnsPerFrame(1875.0), 1e-15);
-    EXPECT_NEAR(state.wobblePhase - 1.0, turnsPerFrame(190.0), 1e-15);
-    EXPECT_NEAR(state.fBmAngle - 1.0, turnsPerFrame(20000.0), 1e-15);
-    EXPECT_NEAR(state.baseHue - 0.5, 0.0105 / 60.0, 1e-15);
-}
-
-TEST_F(QZLCirraneRendererDrawing, HueIgnoresTheSpeed) {
-    defaults().setSpeed(1.0F);
-    renderer->configurationChanged();
-    renderer->setAnimationState({1.0, 1.0, 1.0, 0.5});
-    drawFrame();
-    EXPECT_NEAR(renderer->animationState().motionAngle - 1.0, 2.0 * turnsPerFrame(1875.0), 1e-15);
-    EXPECT_NEAR(renderer->animationState().baseHue - 0.5, 0.0105 / 60.0, 1e-15);
-}
-
-TEST_F(QZLCirraneRendererDrawing, HalfTheFramesAdvanceTwiceAsFar) {
-    renderer = makeRenderer();
-    renderer->setRequestedFrameRate(30.0);
-    EXPECT_FALSE(attach(*renderer));
-    EXPECT_EQ(renderer->selectedFrameRate(), 30.0);
-    renderer->setAnimationState({1.0, 1.0, 1.0, 0.5});
-    drawFrame();
-    EXPECT_NEAR(renderer->animationState().motionAngle - 1.0, 2.0 * turnsPerFrame(1875.0), 1e-15);
-    EXPECT_NEAR(renderer->animationState().baseHue - 0.5, 0.0105 / 30.0, 1e-15);
-}
-
-TEST_F(QZLCirraneRendererDrawing, RealTimeBetweenFramesDoesNotMatter) {
-    renderer->setAnimationState({1.0, 1.0, 1.0, 0.5});
-    clock.advance(1000.0);
-    drawFrame();
-    EXPECT_NEAR(renderer->animationState().motionAngle - 1.0, turnsPerFrame(1875.0), 1e-15);
-}
-
-TEST_F(QZLCirraneRendererDrawing, AnglesWrapAtAFullTurn) {
-    renderer->setAnimationState({twoPi, twoPi - 1e-9, twoPi, 0.0});
-    drawFrame();
-    const auto state = renderer->animationState();
-    EXPECT_NEAR(state.motionAngle, turnsPerFrame(1875.0), 1e-12);
-    EXPECT_NEAR(state.wobblePhase, turnsPerFrame(190.0) - 1e-9, 1e-12);
-    EXPECT_NEAR(state.fBmAngle, turnsPerFrame(20000.0), 1e-12);
-}
-
-TEST_F(QZLCirraneRendererDrawing, NegativeStartOfTheOctaveRotationIsCarriedIntoTheTurn) {
-    renderer->setAnimationState({0.0, 0.0, -0.3, 0.0});
-    drawFrame();
-    EXPECT_NEAR(renderer->animationState().fBmAngle, twoPi - 0.3 + turnsPerFrame(20000.0), 1e-12);
-}
-
-TEST_F(QZLCirraneRendererDrawing, HueWrapsToASmallPositiveValue) {
-    renderer->setAnimationState({0.0, 0.0, 0.0, 0.9999});
-    drawFrame();
-    EXPECT_NEAR(renderer->animationState().baseHue, 0.9999 + 0.0105 / 60.0 - 1.0, 1e-12);
-    EXPECT_GT(renderer->animationState().baseHue, 0.0);
-}
-
-TEST_F(QZLCirraneRendererDrawing, HueStaysBelowOneOverAWholeTurn) {
-    for (int frame = 0; frame < 5800; ++frame) {
-        drawFrame(frame % 3);
-        ASSERT_GE(renderer->animationState().baseHue, 0.0);
-        ASSERT_LT(renderer->animationState().baseHue, 1.0);
-    }
-}
-
 TEST_F(QZLCirraneRendererDrawing, SlotIsNotWrittenBeforeItsFormerFrameHasCompleted) {
     const auto first = std::make_shared<RecordingCommandBuffer>();
     QZLDrawContext firstContext = contextOf(first, 1);
@@ -333,18 +227,6 @@ TEST_F(QZLCirraneRendererDrawing, NonsenseSettingsAreDrawnAllTheSame) {
     defaults().setBrightness(40.0F);
     renderer->configurationChanged();
     EXPECT_EQ(drawFrame()->draws.size(), 2U);
-}
-
-TEST_F(QZLCirraneRendererDrawing, FrameLoopDrawsThroughTheDisplayLink) {
-    gpu->setCompletesAtCommit(true);
-    renderer->startAnimation();
-    const auto before = renderer->animationState();
-    for (int refresh = 0; refresh < 6; ++refresh) {
-        EXPECT_EQ(view->displayLink->fire(), 0);
-    }
-    EXPECT_EQ(renderer->frameNumber(), 6U);
-    EXPECT_NEAR(renderer->animationState().wobblePhase, QZLWrap(before.wobblePhase + 6.0 * turnsPerFrame(190.0), twoPi),
-                1e-12);
 }
 
 }  // namespace

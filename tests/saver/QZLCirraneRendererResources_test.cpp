@@ -1,8 +1,6 @@
 #include "foundation/QZLError.hpp"
 #include "tests/saver/SaverTest.hpp"
 
-#include <functional>
-
 namespace {
 
 /// What goes wrong, what is reported, and how many GPU objects were made before.

@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 
 #include <cmath>
-#include <functional>
 #include <limits>
 #include <numbers>
 

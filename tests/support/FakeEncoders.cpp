@@ -114,7 +114,8 @@ void RenderEncoder::encodeDraw(gpu::PrimitiveType type, std::size_t vertexStart,
     _draw.vertexStart = vertexStart;
     _draw.vertexCount = vertexCount;
     _buffer.addDraw(_draw, _boundBuffers);
-    _buffer.record("draw " + primitiveText(type) + " " + std::to_string(vertexStart) + " " + std::to_string(vertexCount));
+    _buffer.record("draw " + primitiveText(type) + " " + std::to_string(vertexStart) + " " +
+                   std::to_string(vertexCount));
 }
 
 ComputeEncoder::ComputeEncoder(CommandBuffer& buffer) : ComputeCommandEncoder(buffer), _buffer(buffer) {}

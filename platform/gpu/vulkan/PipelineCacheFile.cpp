@@ -1,15 +1,13 @@
 #include "platform/gpu/vulkan/PipelineCacheFile.hpp"
 
-#include <fcntl.h>
-#include <stdlib.h>  // mkostemp
-#include <unistd.h>
+#include "platform/FileContents.hpp"
 
-#include <cerrno>
 #include <cstring>
 #include <exception>
 #include <fstream>
 #include <string>
 #include <system_error>
+#include <vector>
 
 namespace gpu::vulkan {
 namespace {
@@ -47,20 +45,6 @@ bool isMadeFor(std::span<const std::byte> data, const PipelineCacheIdentity& ide
     const auto header = readHeader<DriverHeader>(data);
     return header.headerSize >= sizeof(DriverHeader) && header.headerSize <= data.size() && header.headerVersion == 1 &&
            header.vendor == identity.vendor && header.device == identity.device && header.uuid == identity.uuid;
-}
-
-bool writeAll(int descriptor, std::span<const std::byte> bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(descriptor, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR) {
-            continue;
-        }
-        if (written <= 0) {
-            return false;
-        }
-        bytes = bytes.subspan(static_cast<std::size_t>(written));
-    }
-    return true;
 }
 
 }  // namespace
@@ -115,24 +99,13 @@ bool writePipelineCacheFile(const std::filesystem::path& file, std::span<const s
         }
         std::error_code error;
         std::filesystem::create_directories(file.parent_path(), error);
-        std::string temporary = file.string() + ".XXXXXX";
-        const int descriptor = ::mkostemp(temporary.data(), O_CLOEXEC);
-        if (descriptor < 0) {
-            return false;
-        }
         FileHeader header;
         header.length = data.size();
         header.checksum = pipelineCacheChecksum(data);
-        const bool written = writeAll(descriptor, std::as_bytes(std::span(&header, 1))) && writeAll(descriptor, data);
-        const bool closed = ::close(descriptor) == 0;
-        if (written && closed) {
-            std::filesystem::rename(temporary, file, error);
-        }
-        if (!written || !closed || error) {
-            ::unlink(temporary.c_str());
-            return false;
-        }
-        return true;
+        const auto headerBytes = std::as_bytes(std::span(&header, 1));
+        std::vector<std::byte> bytes(headerBytes.begin(), headerBytes.end());
+        bytes.insert(bytes.end(), data.begin(), data.end());
+        return !platform::replaceFile(file, bytes);
     } catch (const std::exception&) {
         return false;
     }

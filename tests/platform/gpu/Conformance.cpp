@@ -1,6 +1,7 @@
 #include "tests/platform/gpu/Conformance.hpp"
 
 #include "platform/SystemLog.hpp"
+#include "tests/support/KeptLibraries.hpp"
 
 #include <chrono>
 #include <thread>
@@ -28,6 +29,7 @@ void Conformance::SetUp() {
     ASSERT_NE(backend, nullptr);
     device = backend->systemDefaultDevice();
     ASSERT_NE(device, nullptr) << "these tests need a device of this backend";
+    fake::keepLoadedLibraries();
     queue = device->newCommandQueue();
     ASSERT_NE(queue, nullptr);
 }
