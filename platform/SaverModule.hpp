@@ -19,8 +19,8 @@ public:
     /// Attaches on first use and starts to animate. The error, if it cannot.
     virtual std::optional<Error> startAnimation() = 0;
     virtual void stopAnimation() = 0;
-    /// Lets go of the view and the GPU. The next start attaches anew, at the size that the view has then; seed, phases and
-    /// hue carry on.
+    /// Lets go of the view and the GPU. The next start attaches anew, at the size that the view has then; seed, phases
+    /// and hue carry on.
     virtual void detach() = 0;
 
     /// The number that this run's clouds grew from.
