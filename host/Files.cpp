@@ -64,16 +64,22 @@ std::optional<std::string> writePngFile(const std::filesystem::path& path, std::
     return encoded.empty() ? cannotWrite(path, reason) : writeWhole(path, encoded);
 }
 
+std::optional<std::string> checkWritable(const std::filesystem::path& directory) {
+    const std::filesystem::path named = directory.empty() ? "." : directory;
+    std::error_code error;
+    if (!std::filesystem::is_directory(named, error) || access(named.c_str(), W_OK | X_OK) != 0) {
+        return cannotWrite(named, "it is no folder that files can be written into");
+    }
+    return {};
+}
+
 std::optional<std::string> prepareDirectory(const std::filesystem::path& directory) {
     std::error_code error;
     std::filesystem::create_directories(directory, error);
     if (error) {
         return cannotWrite(directory, error.message());
     }
-    if (!std::filesystem::is_directory(directory, error) || access(directory.c_str(), W_OK | X_OK) != 0) {
-        return cannotWrite(directory, "it is no folder that files can be written into");
-    }
-    return {};
+    return checkWritable(directory);
 }
 
 }  // namespace host

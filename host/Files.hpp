@@ -19,7 +19,10 @@ std::optional<std::string> writeTextFile(const std::filesystem::path& file, std:
 std::optional<std::string> writePngFile(const std::filesystem::path& file, std::span<const std::byte> bgra,
                                         std::uint32_t width, std::uint32_t height);
 
-/// Makes the directory where it is missing and checks that files can be written into it.
+/// Checks that files can be written into the directory; an empty name stands for the current one.
+std::optional<std::string> checkWritable(const std::filesystem::path& directory);
+
+/// The same, but makes the directory where it is missing.
 std::optional<std::string> prepareDirectory(const std::filesystem::path& directory);
 
 }  // namespace host

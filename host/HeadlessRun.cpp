@@ -14,6 +14,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstdio>
+#include <exception>
 #include <memory>
 #include <mutex>
 
@@ -53,8 +54,13 @@ public:
         }
         char name[48];
         std::snprintf(name, sizeof name, "frame-%06llu.png", static_cast<unsigned long long>(number));
-        auto failed = writePngFile(*_options.outputDirectory / name, layer->readPixels(drawable), _options.width,
-                                   _options.height);
+        std::optional<std::string> failed;
+        try {
+            failed = writePngFile(*_options.outputDirectory / name, layer->readPixels(drawable), _options.width,
+                                  _options.height);
+        } catch (const std::exception& exception) {  // not enough memory, on a thread that is not ours to unwind
+            failed = exception.what();
+        }
         const std::lock_guard lock(_mutex);
         _failure = std::move(failed);
     }
@@ -101,10 +107,12 @@ std::optional<std::string> checkBeforeStart(const HeadlessOptions& options, cons
         (options.width > device->maximumTextureSize() || options.height > device->maximumTextureSize())) {
         return device->name() + " draws at most " + std::to_string(device->maximumTextureSize()) + " pixels each way";
     }
-    if (options.outputDirectory) {
-        return prepareDirectory(*options.outputDirectory);
+    if (options.statisticsFile) {
+        if (auto failure = checkWritable(options.statisticsFile->parent_path())) {
+            return failure;
+        }
     }
-    return {};
+    return options.outputDirectory ? prepareDirectory(*options.outputDirectory) : std::nullopt;
 }
 
 /// What the drawing threads tell the waiting main thread.

@@ -39,6 +39,7 @@ public:
 
     /// Stops drawing for good and lets go of the GPU.
     void closeSession() {
+        _isDrawing = false;
         _session.reset();
         setLayer(nullptr);
     }

@@ -1,6 +1,7 @@
 #include "host/CommandLine.hpp"
 #include "host/HeadlessRun.hpp"
 #include "host/ModuleLoader.hpp"
+#include "host/Number.hpp"
 #include "host/TerminationSignals.hpp"
 #include "host/WindowRun.hpp"
 #include "host/WindowSystem.hpp"
@@ -8,10 +9,13 @@
 #include "platform/gpu/vulkan/VulkanBackend.hpp"
 #include "platform/ui/LayerWidget.hpp"
 
+#include <algorithm>
+#include <cctype>
 #include <clocale>
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -42,7 +46,40 @@ gpu::vulkan::VulkanOptions vulkanOptions(const host::CommandLine& line) {
     return options;
 }
 
+bool isCalled(const std::string& wish, std::size_t index, const std::string& name) {
+    const auto equalIgnoringCase = [](char a, char b) {
+        return std::tolower(static_cast<unsigned char>(a)) == std::tolower(static_cast<unsigned char>(b));
+    };
+    return host::wholeNumber<std::size_t>(wish) == index ||
+           std::search(name.begin(), name.end(), wish.begin(), wish.end(), equalIgnoringCase) != name.end();
+}
+
+/// What keeps a wish of the command line from coming true, if anything does. Asked first, because the saver itself can
+/// only say that it found no device.
+std::optional<std::string> unfulfilledWish(const host::CommandLine& line) {
+    if (line.device.empty() && !line.validate) {
+        return {};
+    }
+    gpu::vulkan::VulkanOptions options = vulkanOptions(line);
+    const auto devices = gpu::vulkan::listDevices(options);
+    if (devices.empty()) {
+        options.validate = false;
+        return line.validate && !gpu::vulkan::listDevices(options).empty()
+                   ? "--validate: the Khronos validation layer is not installed"
+                   : "no Vulkan device found";
+    }
+    for (std::size_t i = 0; i < devices.size(); ++i) {
+        if (line.device.empty() || isCalled(line.device, i, devices[i].name)) {
+            return {};
+        }
+    }
+    return "--device " + line.device + ": there is no such device (--list-devices lists them)";
+}
+
 int listDevices(const host::CommandLine& line) {
+    if (const auto reason = unfulfilledWish(line)) {
+        return complain(*reason, exitFailure);
+    }
     const auto devices = gpu::vulkan::listDevices(vulkanOptions(line));
     for (std::size_t i = 0; i < devices.size(); ++i) {
         const auto& device = devices[i];
@@ -62,6 +99,9 @@ int finish(const std::optional<std::string>& failure, const host::TerminationSig
 }
 
 int runHeadless(const host::CommandLine& line, const host::TerminationSignals& signals) {
+    if (const auto reason = unfulfilledWish(line)) {
+        return complain(*reason, exitFailure);
+    }
     gpu::setBackend(gpu::vulkan::makeVulkanBackend(vulkanOptions(line)));
     host::prepareHeadlessEnvironment(line.headless);
     const auto module = host::loadSaverModule(line.module);
@@ -75,6 +115,9 @@ int runWindow(const host::CommandLine& line, const host::TerminationSignals& sig
     const host::WindowSystem windowSystem;
     if (windowSystem.failure()) {
         return complain(*windowSystem.failure(), exitFailure);
+    }
+    if (const auto reason = unfulfilledWish(line)) {
+        return complain(*reason, exitFailure);
     }
     auto options = vulkanOptions(line);
     const platform::X11Server server = platform::applicationX11Server();

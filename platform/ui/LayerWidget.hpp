@@ -24,11 +24,11 @@ public:
     explicit LayerWidget(QWidget* parent = nullptr);
     ~LayerWidget() override;
 
-    /// This widget as the view that a renderer is attached to. Lives as long as the widget.
+    /// This widget as the view that a renderer is attached to. Empty, 0 x 0, once the widget has gone.
     std::shared_ptr<HostView> hostView() const;
 
-    /// Called when the widget's size in pixels has changed and then stood still for a while. Meanwhile the picture is
-    /// stretched.
+    /// Called when the widget has been resized, also by being shown first, and has then stood still for a while.
+    /// Meanwhile the picture is stretched.
     void setSizeSettledHandler(std::function<void()> handler) { _sizeSettled = std::move(handler); }
 
     /// Shows this layer's frames, or none. Returns when the former layer's frames are no longer shown.

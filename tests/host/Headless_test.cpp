@@ -136,8 +136,9 @@ TEST_F(Headless, InRealTimeKeepsToTheRateOfItsDisplay) {
     const ProcessEnd end =
         runCirrane(command({"--frames", "40", "--fps", "20", "--realtime", "--stats", file.string()}), noDisplay);
     ASSERT_EQ(end.exitStatus, 0) << end.standardError;
-    // A loaded machine may be late but never early.
-    EXPECT_LE(nlohmann::json::parse(std::ifstream(file)).at("frame_rate").get<double>(), 20.5);
+    // A late first frame shortens the time measured, so the bound is generous; without a pace it would be in the
+    // hundreds.
+    EXPECT_LE(nlohmann::json::parse(std::ifstream(file)).at("frame_rate").get<double>(), 30.0);
 }
 
 TEST_F(Headless, ABundleThatIsNotThereIsAFailure) {
@@ -176,8 +177,13 @@ TEST_F(Headless, WithoutAGraphicsDeviceItSaysSo) {
 }
 
 TEST_F(Headless, AnUnknownDeviceIsAFailure) {
-    const ProcessEnd end = runCirrane(command({"--device", "no such device"}), noDisplay);
-    EXPECT_EQ(end.exitStatus, 1);
+    expectFailure(runCirrane(command({"--device", "no such device"}), noDisplay), 1, "there is no such device");
+    expectFailure(runCirrane(command({"--device", "17"}), noDisplay), 1, "there is no such device");
+}
+
+TEST_F(Headless, ValidationWithoutItsLayerIsAFailure) {
+    expectFailure(runCirrane(command({"--validate"}), {"DISPLAY", "WAYLAND_DISPLAY", "VK_LAYER_PATH=/nonexistent"}), 1,
+                  "the Khronos validation layer is not installed");
 }
 
 TEST_F(Headless, TakesADeviceByNameOrIndex) {

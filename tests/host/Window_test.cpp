@@ -66,6 +66,11 @@ public:
         return {data, data + xcb_get_image_data_length(image.get())};
     }
 
+    void setMapped(xcb_window_t window, bool mapped) const {
+        mapped ? xcb_map_window(_connection, window) : xcb_unmap_window(_connection, window);
+        xcb_flush(_connection);
+    }
+
     void resize(xcb_window_t window, std::uint32_t width, std::uint32_t height) const {
         const std::uint32_t size[] = {width, height};
         xcb_configure_window(_connection, window, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);
@@ -227,6 +232,19 @@ TEST_F(Window, AResizedWindowIsFilledAgain) {
         return pixels.size() == 880U * 265 * 4 && brightness(pixels) > 30.0;
     }));
     _display.askToClose(*window());
+    expectCleanEnd();
+}
+
+TEST_F(Window, AWindowThatWasHiddenShowsCloudsAgain) {
+    const xcb_window_t hidden = *window();
+    for (int round = 0; round < 5; ++round) {
+        _display.setMapped(hidden, false);
+        ASSERT_TRUE(fake::eventually([&] { return !window().has_value(); }));
+        _display.setMapped(hidden, true);
+        ASSERT_TRUE(fake::eventually([&] { return window() == hidden && brightness(_display.pixels(hidden)) > 30.0; }))
+            << "round " << round;
+    }
+    _display.askToClose(hidden);
     expectCleanEnd();
 }
 

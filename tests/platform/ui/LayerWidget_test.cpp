@@ -1,0 +1,112 @@
+#include "platform/ui/LayerWidget.hpp"
+
+#include "tests/support/FakeGpu.hpp"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QElapsedTimer>
+#include <QtGui/QScreen>
+#include <QtWidgets/QApplication>
+
+namespace {
+
+using platform::LayerWidget;
+using platform::Rect;
+
+/// Handles events until the condition holds; false when ten seconds pass first.
+template <typename Condition>
+bool eventually(Condition condition) {
+    constexpr int deadline = 10'000;
+    constexpr int slice = 20;
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition() && !timer.hasExpired(deadline)) {
+        QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, slice);
+    }
+    return condition();
+}
+
+class LayerWidgetTest : public testing::Test {
+protected:
+    LayerWidgetTest() { widget->resize(320, 200); }
+
+    platform::HostView& view() const { return *widget->hostView(); }
+
+    std::unique_ptr<LayerWidget> widget = std::make_unique<LayerWidget>();
+};
+
+TEST_F(LayerWidgetTest, BoundsAreItsSizeFromTheOrigin) {
+    EXPECT_EQ(view().bounds(), (Rect{0, 0, 320, 200}));
+}
+
+TEST_F(LayerWidgetTest, BackingIsInWholeDevicePixels) {
+    const double scale = widget->devicePixelRatioF();
+    ASSERT_EQ(scale, 1.5) << "the scale that this program runs at";
+    EXPECT_EQ(view().convertRectToBacking({0, 0, 321, 201}), (Rect{0, 0, 482, 302}));
+}
+
+TEST_F(LayerWidgetTest, ScreenIsTheOneItIsOn) {
+    EXPECT_EQ(view().screenNumber(), 0U);
+}
+
+TEST_F(LayerWidgetTest, DisplayLinkTicksAtThePlausibleRateOfItsScreen) {
+    std::unique_ptr<platform::DisplayLink> link;
+    EXPECT_EQ(view().createDisplayLink(0, link), platform::displayLinkSuccess);
+    ASSERT_NE(link, nullptr);
+    const platform::RefreshPeriod period = link->nominalOutputVideoRefreshPeriod();
+    const double rate = static_cast<double>(period.timeScale) / static_cast<double>(period.timeValue);
+    const double reported = QApplication::primaryScreen()->refreshRate();
+    EXPECT_NEAR(rate, reported > 1.0 ? reported : 60.0, 0.001);
+}
+
+TEST_F(LayerWidgetTest, ADisplayThatIsNotThereHasNoLink) {
+    std::unique_ptr<platform::DisplayLink> link;
+    EXPECT_EQ(view().createDisplayLink(7, link), platform::displayLinkInvalidArgument);
+    EXPECT_EQ(link, nullptr);
+}
+
+TEST_F(LayerWidgetTest, AViewThatOutlivesItIsEmpty) {
+    const auto survivor = widget->hostView();
+    widget.reset();
+    EXPECT_EQ(survivor->bounds(), Rect{});
+    EXPECT_EQ(survivor->screenNumber(), std::nullopt);
+    survivor->setLayer(nullptr);
+}
+
+TEST_F(LayerWidgetTest, KeepsItsLayerAliveUntilItGetsAnother) {
+    const fake::ScopedGpu gpu;
+    std::weak_ptr<gpu::Layer> layer;
+    {
+        const auto made = gpu::createLayer();
+        layer = made;
+        view().setLayer(made);
+    }
+    EXPECT_FALSE(layer.expired());
+    widget->show();
+    widget->hide();
+    EXPECT_FALSE(layer.expired());
+    view().setLayer(nullptr);
+    EXPECT_TRUE(layer.expired());
+}
+
+TEST_F(LayerWidgetTest, TellsOnceThatANewSizeHasSettled) {
+    int told = 0;
+    widget->setSizeSettledHandler([&] { ++told; });
+    widget->show();
+    ASSERT_TRUE(eventually([&] { return told == 1; }));
+    for (int width = 330; width < 400; width += 10) {
+        widget->resize(width, 200);
+    }
+    EXPECT_EQ(told, 1);
+    ASSERT_TRUE(eventually([&] { return told == 2; }));
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments) {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_SCALE_FACTOR", "1.5");
+    const QApplication application(argumentCount, arguments);
+    testing::InitGoogleTest(&argumentCount, arguments);
+    return RUN_ALL_TESTS();
+}
