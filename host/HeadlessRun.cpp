@@ -130,7 +130,7 @@ std::optional<std::string> waitForFrames(const HeadlessOptions& options, const F
     auto lastProgress = steady_clock::now();
     while (!signals.received()) {
         const std::uint64_t completed = recorder.completedFrames();
-        if (const auto failure = pictures.failure()) {
+        if (auto failure = pictures.failure()) {
             return failure;
         }
         if (completed >= options.frames) {
@@ -198,7 +198,7 @@ std::optional<std::string> runHeadless(const HeadlessOptions& options, const pla
     if (const auto error = session->startAnimation()) {
         return error->localizedDescription();
     }
-    const auto failure = waitForFrames(options, *recorder, *pictures, signals, *signs);
+    auto failure = waitForFrames(options, *recorder, *pictures, signals, *signs);
     session->stopAnimation();
     if (failure || signals.received() || !options.statisticsFile) {
         return failure;

@@ -6,7 +6,7 @@
 namespace host {
 
 HeadlessView::HeadlessView(gpu::Extent size, Display display, std::shared_ptr<FrameRecorder> recorder)
-    : _size(size), _display(std::move(display)), _recorder(std::move(recorder)) {}
+    : _size(size), _display(display), _recorder(std::move(recorder)) {}
 
 HeadlessView::~HeadlessView() {
     setLayer(nullptr);

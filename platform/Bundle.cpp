@@ -91,13 +91,15 @@ struct Bundle::Contents {
         : directory(std::move(bundleDirectory)), info(readTexts(directory / "Info.json")) {
         const auto identifier = textOf(info, "CFBundleIdentifier");
         std::error_code error;
-        for (const auto& entry : std::filesystem::directory_iterator(directory / "strings", error)) {
-            if (entry.path().extension() != ".json") {
+        std::filesystem::directory_iterator entry(directory / "strings", error);
+        for (const std::filesystem::directory_iterator end; entry != end; entry.increment(error)) {
+            const std::filesystem::path& path = entry->path();
+            if (path.extension() != ".json") {
                 continue;
             }
-            const std::string name = entry.path().stem().string();
+            const std::string name = path.stem().string();
             Table& table = tables[name];
-            table.english = readTexts(entry.path());
+            table.english = readTexts(path);
             if (identifier) {
                 // Domains are process-wide, so the bundle's name goes into them.
                 table.translations.emplace(directory / "locale", *identifier + "." + name);
@@ -120,32 +122,40 @@ std::shared_ptr<const Bundle> Bundle::open(const std::filesystem::path& director
 }
 
 std::shared_ptr<const Bundle> Bundle::withDirectory(const std::filesystem::path& directory) {
-    const auto path = existingDirectory(directory);
-    if (path.empty()) {
+    try {
+        const auto path = existingDirectory(directory);
+        if (path.empty()) {
+            return nullptr;
+        }
+        const std::lock_guard lock(registry().mutex);
+        auto& bundle = registry().bundles[path];
+        if (bundle == nullptr) {
+            bundle = open(path);
+        }
+        return bundle;
+    } catch (const std::exception&) {
         return nullptr;
     }
-    const std::lock_guard lock(registry().mutex);
-    auto& bundle = registry().bundles[path];
-    if (bundle == nullptr) {
-        bundle = open(path);
-    }
-    return bundle;
 }
 
 std::shared_ptr<const Bundle> Bundle::containing(const void* address) {
-    {
-        const std::lock_guard lock(registry().mutex);
-        if (registry().override != nullptr) {
-            return registry().override;
+    try {
+        {
+            const std::lock_guard lock(registry().mutex);
+            if (registry().override != nullptr) {
+                return registry().override;
+            }
         }
+        const auto directory = saverDirectoryAbove(fileContaining(address));
+        return directory.empty() ? nullptr : withDirectory(directory);
+    } catch (const std::exception&) {
+        return nullptr;
     }
-    const auto directory = saverDirectoryAbove(fileContaining(address));
-    return directory.empty() ? nullptr : withDirectory(directory);
 }
 
 void Bundle::setOverride(std::shared_ptr<const Bundle> bundle) {
     const std::lock_guard lock(registry().mutex);
-    registry().override = std::move(bundle);
+    registry().override.swap(bundle);  // the former one is let go of after the lock
 }
 
 Bundle::Bundle(std::filesystem::path directory) : _contents(std::make_unique<Contents>(std::move(directory))) {}

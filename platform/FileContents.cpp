@@ -6,23 +6,36 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
-
 #include <fstream>
-#include <sstream>
+#include <limits>
 #include <system_error>
-#include <utility>
 
 namespace platform {
 
-std::string fileContents(const std::filesystem::path& path) {
+std::error_code readFile(const std::filesystem::path& path, std::uintmax_t maximumBytes, std::string& contents) {
     // A directory would open, and a pipe would wait for its writer.
     std::error_code error;
     if (!std::filesystem::is_regular_file(path, error)) {
-        return {};
+        return error ? error : std::make_error_code(std::errc::no_such_file_or_directory);
     }
-    std::ostringstream contents;
-    contents << std::ifstream(path, std::ios::binary).rdbuf();
-    return std::move(contents).str();
+    const std::uintmax_t size = std::filesystem::file_size(path, error);
+    if (error) {
+        return error;
+    }
+    if (size > maximumBytes) {
+        return std::make_error_code(std::errc::file_too_large);
+    }
+    contents.resize(static_cast<std::size_t>(size));
+    std::ifstream stream(path, std::ios::binary);
+    if (!stream.read(contents.data(), static_cast<std::streamsize>(contents.size()))) {
+        return std::make_error_code(std::errc::io_error);
+    }
+    return {};
+}
+
+std::string fileContents(const std::filesystem::path& path) {
+    std::string contents;
+    return readFile(path, std::numeric_limits<std::uintmax_t>::max(), contents) ? std::string() : contents;
 }
 
 namespace {

@@ -1,12 +1,16 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <span>
 #include <string>
 #include <system_error>
 
 namespace platform {
+
+/// Reads a regular file whole, one longer than `maximumBytes` not at all. Any thread.
+std::error_code readFile(const std::filesystem::path& path, std::uintmax_t maximumBytes, std::string& contents);
 
 /// The bytes of a regular file; none when there is no such file or it cannot be read.
 std::string fileContents(const std::filesystem::path& path);

@@ -84,14 +84,19 @@ private:
 };
 
 bool allCataloguesAreSound(const std::filesystem::path& directory, const std::string& domain) {
-    std::error_code error;
-    for (const auto& language : std::filesystem::directory_iterator(directory, error)) {
-        const auto file = language.path() / "LC_MESSAGES" / (domain + ".mo");
+    std::error_code listingError;
+    std::filesystem::directory_iterator language(directory, listingError);
+    if (listingError) {
+        return true;  // there are none
+    }
+    for (const std::filesystem::directory_iterator end; language != end; language.increment(listingError)) {
+        const auto file = language->path() / "LC_MESSAGES" / (domain + ".mo");
+        std::error_code error;
         if (std::filesystem::exists(file, error) && !CatalogueFile(file).isSound()) {
             return false;
         }
     }
-    return true;
+    return !listingError;  // those that were not listed may be anything
 }
 
 }  // namespace

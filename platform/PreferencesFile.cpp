@@ -14,6 +14,8 @@
 #include <chrono>
 #include <string_view>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 namespace platform {
 namespace {
@@ -56,6 +58,22 @@ bool isSound(std::string_view bytes) {
 /// An unquoted text with commas arrives as a list.
 std::string text(const QVariant& value) {
     return (value.typeId() == QMetaType::QStringList ? value.toStringList().join(',') : value.toString()).toStdString();
+}
+
+/// Unlike QSettings, leaves a section of the key's name as it is.
+void removeKeyAlone(QSettings& settings, const QString& key) {
+    std::vector<std::pair<QString, QVariant>> section;
+    settings.beginGroup(key);
+    for (const QString& child : settings.allKeys()) {
+        section.emplace_back(child, settings.value(child));
+    }
+    settings.endGroup();
+    settings.remove(key);
+    settings.beginGroup(key);
+    for (const auto& [child, value] : section) {
+        settings.setValue(child, value);
+    }
+    settings.endGroup();
 }
 
 }  // namespace
@@ -118,7 +136,7 @@ bool PreferencesFile::merge(const Changes& changes) const {
         if (changed) {
             settings.setValue(QString::fromStdString(key), QString::fromStdString(*changed));
         } else {
-            settings.remove(QString::fromStdString(key));
+            removeKeyAlone(settings, QString::fromStdString(key));
         }
     }
     settings.sync();

@@ -92,14 +92,18 @@ std::string integerDigits(char type, std::uint64_t number) {
 
 Field integerField(const Conversion& conversion, std::string_view sign, std::uint64_t magnitude) {
     Field field{std::string(sign), integerDigits(conversion.type, magnitude), !conversion.precision};
+    const char type = lowerCase(conversion.type);
+    if (magnitude == 0 && conversion.precision == 0U &&
+        std::string_view("diuxo").find(type) != std::string_view::npos) {
+        field.body.clear();  // at least no digits
+    }
     const std::size_t fewestDigits = std::min(conversion.precision.value_or(0), largestFieldSize);
     if (field.body.size() < fewestDigits) {
         field.body.insert(0, fewestDigits - field.body.size(), '0');
     }
-    const char type = lowerCase(conversion.type);
     if (type == 'p' || (type == 'x' && conversion.alternate && magnitude != 0)) {
         field.head += conversion.type == 'X' ? "0X" : "0x";
-    } else if (type == 'o' && conversion.alternate && field.body.front() != '0') {
+    } else if (type == 'o' && conversion.alternate && !field.body.starts_with('0')) {
         field.head += "0";
     }
     return field;

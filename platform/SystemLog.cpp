@@ -48,7 +48,7 @@ void systemLog(std::string_view message) {
 
 void setSystemLogSink(std::function<void(std::string_view)> function) {
     const std::lock_guard lock(sink().mutex);
-    sink().function = std::move(function);
+    sink().function.swap(function);  // the former sink, which may log as it goes, is destroyed after the lock
 }
 
 }  // namespace platform

@@ -24,7 +24,7 @@ public:
 
     /// Starts the run's thread in `thread`. It makes no call before this is done with the link, whose end may come as
     /// early as in the first call.
-    static void launch(std::shared_ptr<Run> run, std::thread& thread) {
+    static void launch(const std::shared_ptr<Run>& run, std::thread& thread) {
         const std::lock_guard lock(run->_mutex);
         thread = std::thread([run] { run->main(); });
     }

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <concepts>
+#include <cstddef>
+#include <cstdint>
 #include <limits>
 
 /// `value` truncated toward zero. What lies outside the integer's range becomes its nearest end; not-a-number becomes
@@ -17,4 +20,9 @@ Integer QZLTruncated(double value) {
         return std::numeric_limits<Integer>::min();
     }
     return value >= highest ? std::numeric_limits<Integer>::max() : static_cast<Integer>(value);
+}
+
+/// A length in pixels, truncated. What is no size becomes 0, and what no texture could have is held within 31 bits.
+inline std::size_t QZLWholePixels(double length) {
+    return static_cast<std::size_t>(std::max(0, QZLTruncated<std::int32_t>(length)));
 }

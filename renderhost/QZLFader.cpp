@@ -12,17 +12,19 @@ constexpr float fadeExponent = 0.8F;
 QZLFader::QZLFader(std::int32_t frames) : _fading(frames > 0), _fadeFrames(frames) {}
 
 float QZLFader::level() {
-    if (!_fading.load(std::memory_order_relaxed)) {
+    if (_resetRequested.exchange(false, std::memory_order_relaxed)) {
+        _currentFrame = 0;
+        _fading = _fadeFrames > 0;
+    }
+    if (!_fading) {
         return 1.0F;
     }
-    const std::int32_t frame = _currentFrame.load(std::memory_order_relaxed);
-    const float base = static_cast<float>(frame) / static_cast<float>(_fadeFrames);
-    _currentFrame.store(frame + 1, std::memory_order_relaxed);
-    _fading.store(frame + 1 < _fadeFrames, std::memory_order_relaxed);
+    const float base = static_cast<float>(_currentFrame) / static_cast<float>(_fadeFrames);
+    ++_currentFrame;
+    _fading = _currentFrame < _fadeFrames;
     return std::pow(base, fadeExponent);
 }
 
 void QZLFader::reset() {
-    _currentFrame.store(0, std::memory_order_relaxed);
-    _fading.store(_fadeFrames > 0, std::memory_order_relaxed);
+    _resetRequested.store(true, std::memory_order_relaxed);
 }

@@ -3,8 +3,8 @@
 #include <atomic>
 #include <cstdint>
 
-/// Gives the brightness of each frame of a fade-in, then 1. `level` belongs to the drawing thread; a `reset` from
-/// another one takes effect with the next frame or the one after.
+/// Gives the brightness of each frame of a fade-in, then 1. `level` belongs to the drawing thread; `reset` may
+/// come from any and takes effect with the next `level` that begins, never lost.
 class QZLFader {
 public:
     /// A count of 0 or less never fades.
@@ -16,7 +16,8 @@ public:
     void reset();
 
 private:
-    std::atomic<bool> _fading;
+    bool _fading;
     const std::int32_t _fadeFrames;
-    std::atomic<std::int32_t> _currentFrame{0};
+    std::int32_t _currentFrame = 0;
+    std::atomic<bool> _resetRequested{false};
 };

@@ -5,17 +5,6 @@
 #include "renderhost/QZLConversion.hpp"
 #include "renderhost/QZLRenderHostError.hpp"
 
-#include <algorithm>
-
-namespace {
-
-/// A length in pixels, truncated; what is no size becomes 0.
-std::size_t wholePixels(double length) {
-    return static_cast<std::size_t>(std::max(0, QZLTruncated<std::int32_t>(length)));
-}
-
-}  // namespace
-
 QZLMetalRenderer::QZLMetalRenderer() = default;
 
 QZLMetalRenderer::~QZLMetalRenderer() {
@@ -138,7 +127,7 @@ void QZLMetalRenderer::sizeLayerToView() {
         return;
     }
     const platform::Rect backing = view->convertRectToBacking(view->bounds());
-    _metalLayer->setDrawableSize({wholePixels(backing.width), wholePixels(backing.height)});
+    _metalLayer->setDrawableSize({QZLWholePixels(backing.width), QZLWholePixels(backing.height)});
 }
 
 void QZLMetalRenderer::resetFader() {

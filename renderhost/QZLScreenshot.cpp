@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <exception>
 #include <limits>
 #include <new>
 #include <span>
@@ -118,20 +119,7 @@ bool writeFile(const std::string& path, std::span<const std::byte> content) {
     return true;
 }
 
-}  // namespace
-
-bool QZLCopyTextureToBuffer(const std::shared_ptr<gpu::Texture>& texture, std::shared_ptr<gpu::Buffer>& buffer,
-                            std::uint64_t& width, std::uint64_t& height) {
-    if (texture == nullptr || !isReadable(*texture)) {
-        return false;
-    }
-    width = texture->width();
-    height = texture->height();
-    buffer = texture->device()->newBuffer(texelSize * width * height);
-    return buffer != nullptr && blitToBuffer(texture, buffer);
-}
-
-bool QZLSaveScreenshot(const std::string& path, const std::shared_ptr<gpu::Texture>& texture) {
+bool saveTexture(const std::string& path, const std::shared_ptr<gpu::Texture>& texture) {
     std::shared_ptr<gpu::Buffer> buffer;
     std::uint64_t width = 0;
     std::uint64_t height = 0;
@@ -147,4 +135,25 @@ bool QZLSaveScreenshot(const std::string& path, const std::shared_ptr<gpu::Textu
                            texture->pixelFormat() == gpu::PixelFormat::BGRA8UnormSrgb;
     writeRows(layout, buffer->contents(), blueFirst ? 0 : 2, writeHeader(layout, file.get()));
     return writeFile(path, {file.get(), layout.fileSize()});
+}
+
+}  // namespace
+
+bool QZLCopyTextureToBuffer(const std::shared_ptr<gpu::Texture>& texture, std::shared_ptr<gpu::Buffer>& buffer,
+                            std::uint64_t& width, std::uint64_t& height) {
+    if (texture == nullptr || !isReadable(*texture)) {
+        return false;
+    }
+    width = texture->width();
+    height = texture->height();
+    buffer = texture->device()->newBuffer(texelSize * width * height);
+    return buffer != nullptr && blitToBuffer(texture, buffer);
+}
+
+bool QZLSaveScreenshot(const std::string& path, const std::shared_ptr<gpu::Texture>& texture) {
+    try {
+        return saveTexture(path, texture);
+    } catch (const std::exception&) {
+        return false;  // nothing throws once the file is open, so none is left
+    }
 }

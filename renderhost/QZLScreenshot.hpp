@@ -12,5 +12,5 @@ bool QZLCopyTextureToBuffer(const std::shared_ptr<gpu::Texture>& texture, std::s
                             std::uint64_t& width, std::uint64_t& height);
 
 /// Writes a texture as an uncompressed 24-bit BMP file. True when it was written completely; otherwise no partial file
-/// is left. Blocks for the read-back and the write; any thread, a completion thread too.
+/// is left. Blocks for the read-back and the write; any thread, a completion thread too. Never throws.
 bool QZLSaveScreenshot(const std::string& path, const std::shared_ptr<gpu::Texture>& texture);

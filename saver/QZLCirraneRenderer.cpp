@@ -12,7 +12,6 @@
 #include "renderhost/QZLTexture.hpp"
 #include "settings/QZLDefaultsManager.hpp"
 
-#include <algorithm>
 #include <new>
 #include <numbers>
 
@@ -30,8 +29,6 @@ constexpr gpu::PixelFormat heightFormat = gpu::PixelFormat::R16Unorm;
 constexpr gpu::PixelFormat noiseFormat = gpu::PixelFormat::R8Snorm;
 constexpr std::size_t noiseSide = 256;
 
-constexpr std::int64_t noiseMemoryErrorCode = 1008;
-
 /// Which resource failed, as the sub-code of its error.
 enum ResourceSubCode : std::uint64_t {
     colorPipelineSubCode = 1000,
@@ -47,11 +44,6 @@ enum ResourceSubCode : std::uint64_t {
 /// 0 to 1, both included.
 double randomUnit() {
     return static_cast<double>(platform::random()) / 2147483647.0;
-}
-
-/// Truncates; what is no size becomes 0, and what no texture could have is held within 31 bits.
-std::uint64_t wholePixels(double length) {
-    return static_cast<std::uint64_t>(std::max(0, QZLTruncated<std::int32_t>(length)));
 }
 
 /// The quad over the whole screen that reads the intermediate images up to the start of their last texels. A size of 0
@@ -112,8 +104,8 @@ void QZLCirraneRenderer::sizeIntermediateImages() {
     _intermediateHeight = 0;
     if (const auto hostView = view()) {
         const platform::Rect backing = hostView->convertRectToBacking(hostView->bounds());
-        _intermediateWidth = wholePixels(backing.width);
-        _intermediateHeight = wholePixels(backing.height);
+        _intermediateWidth = QZLWholePixels(backing.width);
+        _intermediateHeight = QZLWholePixels(backing.height);
     }
     note("View size: %d x %d.", _intermediateWidth, _intermediateHeight);
     QZLTextureScaleExactlyToIdeal(idealPixels, _intermediateWidth, _intermediateHeight, minimumScale, maximumScale);
@@ -182,7 +174,7 @@ std::shared_ptr<gpu::Texture> QZLCirraneRenderer::createNoiseTextureWithError(pl
     constexpr std::size_t length = noiseSide * noiseSide;
     const auto bytes = allocateNoiseBytes(length);
     if (bytes == nullptr) {
-        *error = QZLCreateError(QZLLocalizedSaverString("QZL_ERROR_MEMORY"), noiseMemoryErrorCode, 0);
+        *error = QZLCreateError(QZLLocalizedSaverString("QZL_ERROR_MEMORY"), QZLCirraneMemoryErrorCode, 0);
         return nullptr;
     }
     for (std::size_t index = 0; index < length; ++index) {

@@ -10,6 +10,9 @@
 #include <memory>
 #include <optional>
 
+/// The code of the error that tells of a lack of memory.
+inline constexpr std::int64_t QZLCirraneMemoryErrorCode = 1008;
+
 /// Draws the cloudscape: a colour pass from a small noise texture into a colour and a height image at a reduced size,
 /// and a light pass that shades the drawable from the two. Threads and ownership as its base. Made with
 /// `QZLMakeRenderer`.
@@ -28,7 +31,7 @@ public:
     /// Maps the stored settings to the style and the animation rates.
     void updateStyle();
 
-    /// The animation's state: where the next frame continues from. For tests and for showing a later moment.
+    /// The animation's state: where the next frame continues from. For tests, which set distant moments.
     struct AnimationState {
         double motionAngle = 0.0;  ///< radians, in [0, 2 pi]
         double wobblePhase = 0.0;  ///< radians, in [0, 2 pi]

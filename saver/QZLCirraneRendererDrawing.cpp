@@ -14,6 +14,25 @@ constexpr double octaveScale = 1.97;
 constexpr float octaves = 4.0F;
 constexpr std::size_t quadCorners = 4;
 
+/// Takes a slot, and gives it back when the frame is not encoded to the end.
+class SlotUse {
+public:
+    explicit SlotUse(QZLSemaphore& slotIsFree) : _slotIsFree(&slotIsFree) { _slotIsFree->acquire(); }
+    ~SlotUse() {
+        if (_slotIsFree != nullptr) {
+            _slotIsFree->release();
+        }
+    }
+    SlotUse(const SlotUse&) = delete;
+    SlotUse& operator=(const SlotUse&) = delete;
+
+    /// From now on somebody else gives the slot back.
+    void handOver() { _slotIsFree = nullptr; }
+
+private:
+    QZLSemaphore* _slotIsFree;
+};
+
 }  // namespace
 
 void QZLCirraneRenderer::drawFrame(QZLDrawContext& context) {
@@ -23,12 +42,13 @@ void QZLCirraneRenderer::drawFrame(QZLDrawContext& context) {
 
     // The handler holds the semaphore, not the renderer, which may be gone by then.
     const std::shared_ptr<QZLSemaphore> slotIsFree = _frameSemaphore[slotOf(context)];
-    slotIsFree->acquire();
+    SlotUse slotUse(*slotIsFree);
     writeColorStyle(slotOf(context));
     encodeColorPass(context, quad);
     writeLightStyle(slotOf(context), context.brightness());
     encodeLightPass(context);
     context.commandBuffer().addCompletedHandler([slotIsFree](gpu::CommandBuffer&) { slotIsFree->release(); });
+    slotUse.handOver();
 }
 
 std::size_t QZLCirraneRenderer::slotOf(const QZLDrawContext& context) {

@@ -8,8 +8,6 @@
 
 namespace {
 
-constexpr std::int64_t memoryErrorCode = 1008;
-
 std::shared_ptr<QZLJournal> makeJournal(bool isPreview, std::int64_t screenIndex) {
     auto journal = std::make_shared<QZLJournal>();
     journal->setPrefix(isPreview ? "[Preview] " : platform::formatted("[Screen %d] ", screenIndex));
@@ -44,8 +42,10 @@ std::optional<platform::Error> QZLCirraneSession::startAnimation() {
     try {
         return attachAndStart();
     } catch (const std::exception&) {
-        // Failures are values everywhere below; what throws all the same is the lack of memory.
-        return QZLCreateError(QZLLocalizedSaverString("QZL_ERROR_MEMORY"), memoryErrorCode, 0);
+        // Failures are values everywhere below; what throws all the same is the lack of memory. A renderer that is
+        // attached by half must not start.
+        detach();
+        return QZLCreateError(QZLLocalizedSaverString("QZL_ERROR_MEMORY"), QZLCirraneMemoryErrorCode, 0);
     }
 }
 
@@ -58,14 +58,20 @@ std::optional<platform::Error> QZLCirraneSession::attachAndStart() {
         }
     }
     _renderer->startAnimation();
+    _isRunning = true;
     return std::nullopt;
 }
 
 void QZLCirraneSession::stopAnimation() {
+    if (!_isRunning) {
+        return;
+    }
+    _isRunning = false;
     _renderer->stopAnimation();
     _statistics->reset();
 }
 
 void QZLCirraneSession::detach() {
+    _isRunning = false;
     _renderer->detachFromView();
 }

@@ -32,6 +32,7 @@ private:
     std::shared_ptr<QZLJournal> _journal;
     std::shared_ptr<QZLStatistics> _statistics;
     std::shared_ptr<QZLCirraneRenderer> _renderer;
+    bool _isRunning = false;
     std::shared_ptr<const void> _lifetime;  // last, so that notifications end first
 };
 

@@ -61,7 +61,7 @@ QZLDefaultsManager& QZLDefaultsManager::sharedInstance() {
     return *instance;
 }
 
-QZLDefaultsManager::QZLDefaultsManager() = default;
+QZLDefaultsManager::QZLDefaultsManager() : _moduleName(moduleName()) {}
 
 void QZLDefaultsManager::registerDefaults() {
     screenSaverDefaults()->registerDefaults({
@@ -76,7 +76,7 @@ void QZLDefaultsManager::registerDefaults() {
 }
 
 std::shared_ptr<platform::PreferencesStore> QZLDefaultsManager::screenSaverDefaults() const {
-    return platform::preferencesForModule(moduleName());
+    return platform::preferencesForModule(_moduleName);
 }
 
 float QZLDefaultsManager::colors() const {

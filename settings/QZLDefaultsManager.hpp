@@ -9,6 +9,7 @@
 #include <string>
 
 /// The saver's settings and its saved error report, over the module's preferences store. One per process; any thread.
+/// The store is named once, on first use: a bundle that is renamed or removed later changes nothing.
 /// Values are stored and returned as they are, unchecked. A setter does not write to disk: call `synchronize` when
 /// done.
 class QZLDefaultsManager {
@@ -54,5 +55,6 @@ public:
 private:
     QZLDefaultsManager();
 
+    const std::string _moduleName;
     mutable std::mutex _mutex;  // held while several keys change as a unit
 };

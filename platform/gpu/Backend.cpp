@@ -1,5 +1,6 @@
 #include "platform/gpu/Backend.hpp"
 
+#include <new>
 #include <utility>
 
 namespace gpu {
@@ -44,7 +45,11 @@ std::shared_ptr<Device> Backend::knownDevice() {
 }
 
 std::shared_ptr<RenderPassDescriptor> Backend::newRenderPassDescriptor() {
-    return std::make_shared<RenderPassDescriptor>();
+    try {
+        return std::make_shared<RenderPassDescriptor>();
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
 }
 
 void Backend::setDeviceLostHandler(std::function<void()> handler) {

@@ -4,10 +4,45 @@
 #include "platform/gpu/Layer.hpp"
 
 #include <algorithm>
+#include <exception>
+#include <new>
 #include <string>
 #include <utility>
 
 namespace gpu {
+namespace {
+
+// Room for what frames use, so that these lists allocate only when the buffer is made.
+constexpr std::size_t usualHandlers = 4;
+constexpr std::size_t usualKept = 64;
+
+constexpr const char* observerFailed = "an observer of frames failed";
+
+void log(const char* what, const char* detail) noexcept {
+    try {
+        platform::systemLog(std::string("gpu: ") + what + ": " + detail);
+    } catch (const std::exception&) {
+        // Out of memory for a message: there is nobody left to tell.
+    }
+}
+
+/// Calls what others have left behind. One of them that fails must neither end the thread nor skip the others.
+template <typename Call>
+void callSafely(const char* what, Call call) noexcept {
+    try {
+        call();
+    } catch (const std::exception& error) {
+        log(what, error.what());
+    }
+}
+
+}  // namespace
+
+CommandBuffer::CommandBuffer() {
+    _scheduledHandlers.reserve(usualHandlers);
+    _completedHandlers.reserve(usualHandlers);
+    _kept.reserve(usualKept);
+}
 
 template <typename Encoder>
 Encoder* CommandBuffer::open(Encoder* encoder) {
@@ -20,7 +55,7 @@ Encoder* CommandBuffer::open(Encoder* encoder) {
 
 bool CommandBuffer::mayEncode(const char* operation) {
     if (status() != CommandBufferStatus::NotEnqueued) {
-        platform::systemLog(std::string("gpu: refused: ") + operation + " after commit");
+        log("refused after commit", operation);
         return false;
     }
     endOpenEncoder();
@@ -34,13 +69,8 @@ void CommandBuffer::endOpenEncoder() {
 }
 
 RenderCommandEncoder* CommandBuffer::renderCommandEncoder(const RenderPassDescriptor& descriptor) {
-    if (!mayEncode("a render pass") || !acceptsTargets(descriptor)) {
+    if (!mayEncode("a render pass") || !acceptsTargets(descriptor) || !keepTargets(descriptor)) {
         return nullptr;
-    }
-    for (const ColorAttachment& attachment : descriptor.colorAttachments) {
-        if (attachment.texture != nullptr) {
-            _kept.push_back(attachment.texture);
-        }
     }
     RenderCommandEncoder* encoder = open(beginRenderPass(descriptor));
     if (encoder != nullptr) {
@@ -61,9 +91,23 @@ bool CommandBuffer::acceptsTargets(const RenderPassDescriptor& descriptor) {
                    std::none_of(attachments.begin(), attachment, isSame);
     }
     if (!accepted) {
-        platform::systemLog("gpu: refused: colour attachments that are none, no render targets, apart, or twice");
+        log("refused", "colour attachments that are none, no render targets, apart, or twice");
     }
     return accepted;
+}
+
+bool CommandBuffer::keepTargets(const RenderPassDescriptor& descriptor) {
+    try {
+        for (const ColorAttachment& attachment : descriptor.colorAttachments) {
+            if (attachment.texture != nullptr) {
+                _kept.push_back(attachment.texture);
+            }
+        }
+        return true;
+    } catch (const std::bad_alloc& error) {
+        log("no render pass", error.what());
+        return false;
+    }
 }
 
 ComputeCommandEncoder* CommandBuffer::computeCommandEncoder() {
@@ -104,11 +148,7 @@ void CommandBuffer::commit() {
         return;
     }
     _status.store(CommandBufferStatus::Committed, std::memory_order_release);
-    if (_drawable != nullptr) {
-        if (const auto layer = _drawable->layer()) {
-            layer->notify(&FrameObserver::frameCommitted, *_drawable);
-        }
-    }
+    notifyObserver(&FrameObserver::frameCommitted);
     submit();
 }
 
@@ -120,15 +160,8 @@ void CommandBuffer::waitUntilCompleted() {
 
 void CommandBuffer::didSchedule() {
     _status.store(CommandBufferStatus::Scheduled, std::memory_order_release);
-    if (_drawable != nullptr) {
-        if (const auto layer = _drawable->layer()) {
-            layer->notify(&FrameObserver::frameScheduled, *_drawable);
-        }
-    }
-    for (Handler& handler : _scheduledHandlers) {
-        handler(*this);
-    }
-    _scheduledHandlers.clear();
+    notifyObserver(&FrameObserver::frameScheduled);
+    runHandlers(_scheduledHandlers);
 }
 
 void CommandBuffer::didComplete(bool succeeded) {
@@ -138,16 +171,29 @@ void CommandBuffer::didComplete(bool succeeded) {
     const std::shared_ptr<Drawable> drawable = std::move(_drawable);
     if (drawable != nullptr) {
         if (const auto layer = drawable->layer()) {
-            layer->notifyCompleted(*drawable, succeeded);
+            callSafely(observerFailed, [&] { layer->notifyCompleted(*drawable, succeeded); });
             if (succeeded) {
-                layer->presentFinished(drawable);
+                callSafely("a frame could not be shown", [&] { layer->presentFinished(drawable); });
             }
         }
     }
-    for (Handler& handler : _completedHandlers) {
-        handler(*this);
+    runHandlers(_completedHandlers);
+}
+
+void CommandBuffer::notifyObserver(void (FrameObserver::*event)(const Drawable&)) noexcept {
+    if (_drawable == nullptr) {
+        return;
     }
-    _completedHandlers.clear();
+    if (const auto layer = _drawable->layer()) {
+        callSafely(observerFailed, [&] { layer->notify(event, *_drawable); });
+    }
+}
+
+void CommandBuffer::runHandlers(std::vector<Handler>& handlers) noexcept {
+    for (Handler& handler : handlers) {
+        callSafely("a handler of a command buffer failed", [&] { handler(*this); });
+    }
+    handlers.clear();
 }
 
 void CommandBuffer::prepareForReuse() {

@@ -11,6 +11,7 @@
 namespace gpu {
 
 class Drawable;
+class FrameObserver;
 
 enum class CommandBufferStatus : std::uint32_t {
     NotEnqueued = 0,
@@ -24,6 +25,7 @@ enum class CommandBufferStatus : std::uint32_t {
 /// stays alive until the GPU has finished it. Handlers run with no lock held on the queue's completion thread, in the
 /// order added: the scheduled ones when the queue's preceding buffer has completed (at commit when there is none), the
 /// completed ones exactly once, also when the submission failed; both are dropped, with what they captured, afterwards.
+/// What a handler throws is logged and keeps none of the others from running.
 class CommandBuffer {
 public:
     using Handler = platform::InplaceFunction<void(CommandBuffer&), 128>;
@@ -32,12 +34,14 @@ public:
     CommandBuffer& operator=(const CommandBuffer&) = delete;
     virtual ~CommandBuffer() = default;
 
-    /// An open encoder, or null when the buffer was committed, an attachment of the descriptor cannot be used, or
-    /// memory ran out. In any case the encoder that was open before has ended.
+    /// An open encoder, or null when the buffer was committed, an attachment of the descriptor cannot be used, the
+    /// device lacks features, or memory ran out. In any case the encoder that was open before has ended.
     RenderCommandEncoder* renderCommandEncoder(const RenderPassDescriptor& descriptor);
     ComputeCommandEncoder* computeCommandEncoder();
     BlitCommandEncoder* blitCommandEncoder();
 
+    /// Up to four of each kind take no memory; more may throw std::bad_alloc and are then not added. So may an
+    /// encoder's function that takes a resource, once the buffer uses more than 64 of them; it then encodes nothing.
     void addScheduledHandler(Handler handler);
     void addCompletedHandler(Handler handler);
 
@@ -53,7 +57,8 @@ public:
     CommandBufferStatus status() const { return _status.load(std::memory_order_acquire); }
 
 protected:
-    CommandBuffer() = default;
+    /// Throws std::bad_alloc.
+    CommandBuffer();
 
     /// For backends: the buffer reached this stage. Runs and drops the handlers of that stage on the calling thread.
     void didSchedule();
@@ -80,6 +85,9 @@ private:
     bool mayEncode(const char* operation);
     void endOpenEncoder();
     bool acceptsTargets(const RenderPassDescriptor& descriptor);
+    bool keepTargets(const RenderPassDescriptor& descriptor);
+    void notifyObserver(void (FrameObserver::*event)(const Drawable&)) noexcept;
+    void runHandlers(std::vector<Handler>& handlers) noexcept;
 
     std::vector<Handler> _scheduledHandlers;
     std::vector<Handler> _completedHandlers;

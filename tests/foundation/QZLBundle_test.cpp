@@ -1,6 +1,7 @@
 #include "foundation/QZLBundle.hpp"
 
 #include "tests/foundation/BundleProbe.hpp"
+#include "tests/support/Files.hpp"
 #include "tests/support/TemporaryDirectory.hpp"
 #include "tests/support/TestBundle.hpp"
 
@@ -8,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 
 namespace {
 
@@ -52,16 +52,11 @@ TEST(QZLBundle, AProgramOutsideAnyBundleHasNone) {
     EXPECT_EQ(QZLSaverBundleString("CFBundleName"), std::nullopt);
 }
 
-void writeText(const std::filesystem::path& file, const std::string& text) {
-    std::filesystem::create_directories(file.parent_path());
-    std::ofstream(file) << text;
-}
-
 /// Makes a bundle that holds the probe and strings tables with one greeting, and loads the probe from there.
 const BundleProbe* loadProbe(const std::filesystem::path& bundle, const std::string& name) {
-    writeText(bundle / "Info.json", R"({"CFBundleIdentifier": "org.example.)" + name + R"("})");
-    writeText(bundle / "strings/Localizable.json", R"({"GREETING": "Saver of )" + name + R"("})");
-    writeText(bundle / "strings/Vistashade.json", R"({"GREETING": "Framework of )" + name + R"("})");
+    fake::writeFile(bundle / "Info.json", R"({"CFBundleIdentifier": "org.example.)" + name + R"("})");
+    fake::writeFile(bundle / "strings/Localizable.json", R"({"GREETING": "Saver of )" + name + R"("})");
+    fake::writeFile(bundle / "strings/Vistashade.json", R"({"GREETING": "Framework of )" + name + R"("})");
     std::filesystem::copy_file(BUNDLE_PROBE, bundle / "probe.so");
     void* const library = dlopen((bundle / "probe.so").c_str(), RTLD_NOW | RTLD_LOCAL);  // stays, as modules do
     return library != nullptr ? static_cast<const BundleProbe*>(dlsym(library, "bundleProbe")) : nullptr;
@@ -87,6 +82,23 @@ TEST(QZLBundle, EveryModuleFindsItsOwnBundleWhateverElseIsLoaded) {
     EXPECT_EQ(one->saverBundleString("CFBundleIdentifier"), "org.example.one");
     EXPECT_EQ(two->saverBundleString("CFBundleIdentifier"), "org.example.two");
     EXPECT_EQ(QZLSaverBundle(), nullptr) << "the program itself lies in neither";
+}
+
+TEST(QZLBundle, TablesElsewhereDoNotChangeTheModulesTexts) {
+    const fake::TemporaryDirectory directory;
+    const auto host = directory.path() / "Host.saver";
+    const auto otherPath = directory.path() / "Other.saver";
+    const BundleProbe* const other = loadProbe(otherPath, "other");
+    const BundleProbe* const module = loadProbe(host / "PlugIns" / "Module.saver", "module");
+    ASSERT_NE(other, nullptr) << dlerror();
+    ASSERT_NE(module, nullptr) << dlerror();
+    for (const auto& elsewhere : {host, otherPath}) {  // tables are read when a text is first asked for
+        fake::writeFile(elsewhere / "strings/Vistashade.json", R"({"GREETING": "elsewhere", "FAREWELL": "elsewhere"})");
+    }
+
+    EXPECT_EQ(other->localizedVistashadeString("FAREWELL"), "elsewhere");
+    EXPECT_EQ(module->localizedVistashadeString("GREETING"), "Framework of module");
+    EXPECT_EQ(module->localizedVistashadeString("FAREWELL"), "FAREWELL");
 }
 
 }  // namespace

@@ -130,6 +130,12 @@ TEST_F(QZLVersionError, IsNotMadeOnSuccess) {
     EXPECT_EQ(error, std::nullopt);
 }
 
+TEST_F(QZLVersionError, OfBeforeStaysInItsPlaceOnSuccess) {
+    std::optional<platform::Error> error = QZLCreateError("former", 42, 7);
+    EXPECT_TRUE(QZLValidateMacOsVersion(10, 11, 0, &error));
+    EXPECT_EQ(error.value().code(), 42);
+}
+
 TEST(QZLEnvironment, ThePlatformIsProbedOnceEvenWhenManyAskAtOnce) {
     const ScopedPlatformVersion version("10.13.0");
     constexpr std::ptrdiff_t count = 8;
@@ -164,6 +170,15 @@ TEST(QZLEnvironment, ADeviceWithTheFeatureSetPasses) {
     EXPECT_TRUE(QZLValidateMetalFeatureSet(*device, gpu::FeatureSet::MacOsGpuFamily1V3, 0, &error));
     EXPECT_EQ(error, std::nullopt);
     EXPECT_TRUE(QZLValidateMetalFeatureSet(*device, gpu::FeatureSet::MacOsGpuFamily1V3, 0, nullptr));
+}
+
+TEST(QZLEnvironment, ADeviceThatPassesLeavesAFormerErrorInItsPlace) {
+    const fake::ScopedGpu gpu;
+    const auto device = gpu::createSystemDefaultDevice();
+    ASSERT_NE(device, nullptr);
+    std::optional<platform::Error> error = QZLCreateError("former", 42, 7);
+    EXPECT_TRUE(QZLValidateMetalFeatureSet(*device, gpu::FeatureSet::MacOsGpuFamily1V3, 21, &error));
+    EXPECT_EQ(error.value().code(), 42);
 }
 
 TEST(QZLEnvironment, ADeviceWithoutTheFeatureSetGivesItsErrorWithTheSubCode) {

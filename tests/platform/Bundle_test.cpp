@@ -1,6 +1,7 @@
 #include "platform/Bundle.hpp"
 
-#include "tests/platform/TemporaryFiles.hpp"
+#include "tests/support/Files.hpp"
+#include "tests/support/TemporaryDirectory.hpp"
 #include "tests/support/TestBundle.hpp"
 
 #include <dlfcn.h>
@@ -20,8 +21,8 @@ namespace {
 // --- Opening -----------------------------------------------------------------------------------------------------
 
 TEST(Bundle, IsNullWithoutADirectory) {
-    const TemporaryDirectory directory;
-    write(directory.path() / "file", "text");
+    const fake::TemporaryDirectory directory;
+    fake::writeFile(directory.path() / "file", "text");
     EXPECT_EQ(Bundle::withDirectory(directory.path() / "missing"), nullptr);
     EXPECT_EQ(Bundle::withDirectory(directory.path() / "file"), nullptr);
     EXPECT_EQ(Bundle::withDirectory(""), nullptr);
@@ -29,7 +30,7 @@ TEST(Bundle, IsNullWithoutADirectory) {
 }
 
 TEST(Bundle, IsTheSameObjectForTheSameDirectory) {
-    const TemporaryDirectory directory;
+    const fake::TemporaryDirectory directory;
     files::create_directory(directory.path() / "A.saver");
     files::create_directory_symlink(directory.path() / "A.saver", directory.path() / "link");
     const auto bundle = Bundle::withDirectory(directory.path() / "A.saver");
@@ -40,7 +41,7 @@ TEST(Bundle, IsTheSameObjectForTheSameDirectory) {
 }
 
 TEST(Bundle, IsGoneWhenItsDirectoryIsGone) {
-    const TemporaryDirectory directory;
+    const fake::TemporaryDirectory directory;
     files::create_directory(directory.path() / "A.saver");
     ASSERT_NE(Bundle::withDirectory(directory.path() / "A.saver"), nullptr);
     files::remove(directory.path() / "A.saver");
@@ -70,8 +71,9 @@ TEST(Bundle, ManyThreadsShareOneObject) {
 // --- Info.json ---------------------------------------------------------------------------------------------------
 
 TEST(Bundle, ReadsTextsOfTheInformationList) {
-    const TemporaryDirectory directory;
-    write(directory.path() / "Info.json", R"({"CFBundleName": "W\u00f6lkchen", "CFBundleIdentifier": "org.example.a",
+    const fake::TemporaryDirectory directory;
+    fake::writeFile(directory.path() / "Info.json",
+                    R"({"CFBundleName": "W\u00f6lkchen", "CFBundleIdentifier": "org.example.a",
         "Number": 7, "Null": null, "List": ["x"], "Object": {"CFBundleName": "y"}, "Empty": ""})");
     const auto bundle = Bundle::open(directory.path());
     EXPECT_EQ(bundle->objectForInfoDictionaryKey("CFBundleName"), "W\u00f6lkchen");
@@ -83,10 +85,10 @@ TEST(Bundle, ReadsTextsOfTheInformationList) {
 }
 
 TEST(Bundle, ADamagedInformationListReadsAsEmpty) {
-    const TemporaryDirectory directory;
+    const fake::TemporaryDirectory directory;
     for (const char* text : {"", "{", "[\"CFBundleIdentifier\"]", "null", "{\"CFBundleIdentifier\": \"\xff\"}",
                              "{\"CFBundleIdentifier\": \"a\"} trailing", "{\"CFBundleIdentifier\": 1}"}) {
-        write(directory.path() / "Info.json", text);
+        fake::writeFile(directory.path() / "Info.json", text);
         const auto bundle = Bundle::open(directory.path());
         ASSERT_NE(bundle, nullptr) << text;
         EXPECT_EQ(bundle->bundleIdentifier(), std::nullopt) << text;
@@ -113,8 +115,8 @@ TEST(Bundle, ATestSeesWhatItChangesInTheInformationList) {
 // --- Files -------------------------------------------------------------------------------------------------------
 
 TEST(Bundle, FindsFilesByNameAndType) {
-    const TemporaryDirectory directory;
-    write(directory.path() / "default.metallib", "x");
+    const fake::TemporaryDirectory directory;
+    fake::writeFile(directory.path() / "default.metallib", "x");
     files::create_directory(directory.path() / "folder.metallib");
     const auto bundle = Bundle::open(directory.path());
     EXPECT_EQ(bundle->pathForResource("default", "metallib"), directory.path() / "default.metallib");
@@ -133,13 +135,13 @@ TEST(Bundle, CodeOutsideAnySaverHasNone) {
 }
 
 TEST(Bundle, AModuleFindsTheInnermostSaverAroundIt) {
-    const TemporaryDirectory directory;
+    const fake::TemporaryDirectory directory;
     const files::path saver = directory.path() / "Outer.saver" / "Inner.saver";
     files::create_directories(saver / "code");
     files::copy_file(BUNDLE_PROBE_MODULE, saver / "code" / "Probe.so");
-    write(saver / "strings" / "Localizable.json", R"({"KEY": "the module's text"})");
+    fake::writeFile(saver / "strings" / "Localizable.json", R"({"KEY": "the module's text"})");
     // What a host has beside itself, or where it works, is not looked at.
-    write(directory.path() / "strings" / "Localizable.json", R"({"KEY": "the host's text"})");
+    fake::writeFile(directory.path() / "strings" / "Localizable.json", R"({"KEY": "the host's text"})");
 
     void* const module = dlopen((saver / "code" / "Probe.so").c_str(), RTLD_NOW | RTLD_LOCAL);
     ASSERT_NE(module, nullptr) << dlerror();
@@ -152,7 +154,7 @@ TEST(Bundle, AModuleFindsTheInnermostSaverAroundIt) {
 }
 
 TEST(Bundle, AProgramFindsItsSaverHoweverItWasStarted) {
-    const TemporaryDirectory directory;
+    const fake::TemporaryDirectory directory;
     files::create_directories(directory.path() / "A.saver" / "bin");
     files::copy_file(BUNDLE_PROBE_PROGRAM, directory.path() / "A.saver" / "bin" / "probe");
     const std::string command = "cd '" + directory.path().string() + "/A.saver' && bin/probe";
@@ -187,9 +189,10 @@ TEST(Bundle, AMissingKeyComesBackAsTheGivenValue) {
 }
 
 TEST(Bundle, ADamagedTableReadsAsMissing) {
-    const TemporaryDirectory directory;
-    write(directory.path() / "strings" / "Broken.json", "{\"KEY\": \"text\"");
-    write(directory.path() / "strings" / "Mixed.json", R"({"NUMBER": 1, "NULL": null, "TEXT": "text", "EMPTY": ""})");
+    const fake::TemporaryDirectory directory;
+    fake::writeFile(directory.path() / "strings" / "Broken.json", "{\"KEY\": \"text\"");
+    fake::writeFile(directory.path() / "strings" / "Mixed.json",
+                    R"({"NUMBER": 1, "NULL": null, "TEXT": "text", "EMPTY": ""})");
     files::create_directory(directory.path() / "strings" / "Folder.json");
     const auto bundle = Bundle::open(directory.path());
     EXPECT_EQ(bundle->localizedString("KEY", "KEY", "Broken"), "KEY");

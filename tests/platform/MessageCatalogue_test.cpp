@@ -3,7 +3,8 @@
 #include "platform/Bundle.hpp"
 #include "platform/StringFormat.hpp"
 #include "tests/platform/LocaleForTests.hpp"
-#include "tests/platform/TemporaryFiles.hpp"
+#include "tests/support/Files.hpp"
+#include "tests/support/TemporaryDirectory.hpp"
 #include "tests/support/TestBundle.hpp"
 
 #include <gtest/gtest.h>
@@ -47,7 +48,7 @@ public:
         : _bundle({{"Vistashade", {{"KEY", english}}}}) {
         static int count = 0;
         const std::string identifier = "org.example.translated" + std::to_string(++count);
-        write(catalogueFile(_bundle, identifier + ".Vistashade"), catalogueOf("KEY\004" + english, german));
+        fake::writeFile(catalogueFile(_bundle, identifier + ".Vistashade"), catalogueOf("KEY\004" + english, german));
         _bundle.setInfo("CFBundleIdentifier", identifier);
     }
 
@@ -75,30 +76,30 @@ TEST(MessageCatalogue, ATranslationOfAnotherEnglishTextIsNotUsed) {
     const auto locale = LocaleForTests::withLanguages("de");
     ASSERT_NE(locale, nullptr);
     const fake::Bundle bundle({{"Vistashade", {{"KEY", "New text"}}}}, {{"CFBundleIdentifier", "org.example.old"}});
-    write(catalogueFile(bundle, "org.example.old.Vistashade"), catalogueOf("KEY\004Old text", "Alter Text"));
+    fake::writeFile(catalogueFile(bundle, "org.example.old.Vistashade"), catalogueOf("KEY\004Old text", "Alter Text"));
     EXPECT_EQ(Bundle::open(bundle.directory())->localizedString("KEY", "", "Vistashade"), "New text");
 }
 
 TEST(MessageCatalogue, ABundleWithoutIdentifierIsEnglish) {
     const auto locale = LocaleForTests::withLanguages("de");
     ASSERT_NE(locale, nullptr);
-    const TemporaryDirectory directory;
-    write(directory.path() / "strings" / "Localizable.json", R"({"KEY": "text"})");
+    const fake::TemporaryDirectory directory;
+    fake::writeFile(directory.path() / "strings" / "Localizable.json", R"({"KEY": "text"})");
     EXPECT_EQ(Bundle::open(directory.path())->localizedString("KEY", "KEY", ""), "text");
 }
 
 TEST(MessageCatalogue, BundlesOfTheSameIdentifierKeepTheirOwnTranslations) {
     const auto locale = LocaleForTests::withLanguages("de");
     ASSERT_NE(locale, nullptr);
-    std::vector<std::unique_ptr<TemporaryDirectory>> directories;
+    std::vector<std::unique_ptr<fake::TemporaryDirectory>> directories;
     std::vector<std::shared_ptr<const Bundle>> bundles;
     for (const char* text : {"eins", "zwei"}) {
-        directories.push_back(std::make_unique<TemporaryDirectory>());
+        directories.push_back(std::make_unique<fake::TemporaryDirectory>());
         const files::path& path = directories.back()->path();
-        write(path / "Info.json", R"({"CFBundleIdentifier": "org.example.twin"})");
-        write(path / "strings" / "Localizable.json", R"({"KEY": "text"})");
-        write(path / "locale" / "de" / "LC_MESSAGES" / "org.example.twin.Localizable.mo",
-              catalogueOf("KEY\004text", text));
+        fake::writeFile(path / "Info.json", R"({"CFBundleIdentifier": "org.example.twin"})");
+        fake::writeFile(path / "strings" / "Localizable.json", R"({"KEY": "text"})");
+        fake::writeFile(path / "locale" / "de" / "LC_MESSAGES" / "org.example.twin.Localizable.mo",
+                        catalogueOf("KEY\004text", text));
         bundles.push_back(Bundle::open(path));
     }
     for (int round = 0; round < 2; ++round) {
@@ -119,8 +120,9 @@ void lookUpInDamagedCatalogue(const std::string& bytes) {
     static int count = 0;
     const std::string identifier = "org.example.damaged" + std::to_string(++count);
     fake::Bundle bundle;
-    write(bundle.directory() / "strings" / "Vistashade.json", read(CIRRANE_BUILT_BUNDLE "/strings/Vistashade.json"));
-    write(catalogueFile(bundle, identifier + ".Vistashade"), bytes);
+    fake::writeFile(bundle.directory() / "strings" / "Vistashade.json",
+                    fake::readFile(CIRRANE_BUILT_BUNDLE "/strings/Vistashade.json"));
+    fake::writeFile(catalogueFile(bundle, identifier + ".Vistashade"), bytes);
     bundle.setInfo("CFBundleIdentifier", identifier);
     const auto opened = Bundle::containing(nullptr);
     for (const char* key : {"QZL_JOURNAL_MESSAGE_FORMAT", "QZL_ERROR_UNKNOWN", "QZL_UI_REPORT_ERROR_FORMAT"}) {
@@ -131,7 +133,8 @@ void lookUpInDamagedCatalogue(const std::string& bytes) {
 TEST(MessageCatalogue, ADamagedCatalogueDoesNoHarm) {
     const auto locale = LocaleForTests::withLanguages("de");
     ASSERT_NE(locale, nullptr);
-    const std::string sound = read(CIRRANE_BUILT_BUNDLE "/locale/de/LC_MESSAGES/org.example.cirrane.Vistashade.mo");
+    const std::string sound =
+        fake::readFile(CIRRANE_BUILT_BUNDLE "/locale/de/LC_MESSAGES/org.example.cirrane.Vistashade.mo");
     ASSERT_GT(sound.size(), 4096U);
     for (std::size_t size = 0; size < sound.size(); size += 211) {
         lookUpInDamagedCatalogue(sound.substr(0, size));
@@ -150,10 +153,10 @@ TEST(MessageCatalogue, ATruncatedCatalogueReadsAsUntranslated) {
     ASSERT_NE(locale, nullptr);
     fake::Bundle bundle({{"Localizable", {{"KEY", "text"}}}});
     const std::string catalogue = catalogueOf("KEY\004text", "Wortlaut");
-    write(catalogueFile(bundle, "org.example.cut.Localizable"), catalogue.substr(0, catalogue.size() - 1));
+    fake::writeFile(catalogueFile(bundle, "org.example.cut.Localizable"), catalogue.substr(0, catalogue.size() - 1));
     bundle.setInfo("CFBundleIdentifier", "org.example.cut");
     EXPECT_EQ(Bundle::containing(nullptr)->localizedString("KEY", "", ""), "text");
-    write(catalogueFile(bundle, "org.example.whole.Localizable"), catalogue);
+    fake::writeFile(catalogueFile(bundle, "org.example.whole.Localizable"), catalogue);
     bundle.setInfo("CFBundleIdentifier", "org.example.whole");
     EXPECT_EQ(Bundle::containing(nullptr)->localizedString("KEY", "", ""), "Wortlaut");
 }

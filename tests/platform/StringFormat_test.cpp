@@ -75,6 +75,13 @@ TEST(StringFormat, FlagsWidthAndPrecisionShapeIntegers) {
     EXPECT_EQ(formatted("%'d", 1234567), "1234567");
 }
 
+TEST(StringFormat, AnIntegerOfNoDigitsPrintsNoZero) {
+    EXPECT_EQ(formatted("[%.0d] [%.d] [%3.0d] [%+.0i] [%03.0d]", 0, 0, 0, 0, 0), "[] [] [   ] [+] [   ]");
+    EXPECT_EQ(formatted("[%.0u] [%.0x] [%#.0X] [%.0o] [%#.0o]", 0U, 0, 0U, 0U, 0), "[] [] [] [] [0]");
+    EXPECT_EQ(formatted("[%.0d] [%.0x] [%.1d]", -7, 10, 0), "[-7] [a] [0]");
+    EXPECT_EQ(formatted("[%.0@] [%.0lf]", 0, 0), "[0] [0]") << "digits of another type of number";
+}
+
 TEST(StringFormat, FloatsPrintInEveryStyle) {
     EXPECT_EQ(formatted("%f %.2lf %.0f", 1.5, 29.999, 2.5), "1.500000 30.00 2");
     EXPECT_EQ(formatted("%6.2lf fps", 59.94), " 59.94 fps");

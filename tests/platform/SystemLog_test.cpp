@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -56,6 +57,18 @@ TEST(SystemLog, ASinkMayLogItself) {
     platform::setSystemLogSink({});
 
     EXPECT_EQ(calls, 3);
+}
+
+TEST(SystemLog, AReplacedSinkMayLogAsItGoes) {
+    struct Farewell {
+        ~Farewell() { platform::systemLog("gone"); }
+    };
+    std::vector<std::string> lines;
+    platform::setSystemLogSink([farewell = std::make_shared<Farewell>()](std::string_view) {});
+    platform::setSystemLogSink([&lines](std::string_view line) { lines.emplace_back(line); });
+    platform::setSystemLogSink({});
+
+    EXPECT_EQ(lines, std::vector<std::string>{"gone"});
 }
 
 TEST(SystemLog, LinesOfManyThreadsAllArrive) {

@@ -112,6 +112,16 @@ TEST_F(QZLBuffer, MultipleStopsAtTheFirstFailureAndKeepsWhatItMade) {
     }
 }
 
+TEST_F(QZLBuffer, SuccessLeavesAFormerErrorInItsPlace) {
+    error = QZLCreateError("former", 42, 7);
+    const char byte = 0;
+    EXPECT_NE(QZLCreateSharedBuffer(*layer, "style", 48, &error, 1), nullptr);
+    EXPECT_NE(QZLCreateSharedBufferWithBytes(*layer, "text", 1, &byte, &error, 1), nullptr);
+    EXPECT_TRUE(QZLCreateSharedBufferMultiple(*layer, "style", 48, array.data(), 3, &error, 1));
+    EXPECT_TRUE(QZLCreateSharedBufferMultiple(*layer, "style", 48, array.data(), 0, &error, 1));
+    EXPECT_EQ(error.value().code(), 42);
+}
+
 TEST_F(QZLBuffer, ReleaseNullsTheElements) {
     ASSERT_TRUE(QZLCreateSharedBufferMultiple(*layer, "style", 48, array.data(), 3, nullptr, 0));
     const std::weak_ptr<gpu::Buffer> last = array[2];

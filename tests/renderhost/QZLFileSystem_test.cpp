@@ -1,10 +1,10 @@
 #include "renderhost/QZLFileSystem.hpp"
 
+#include "tests/support/ScopedEnvironment.hpp"
 #include "tests/support/TemporaryDirectory.hpp"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -13,10 +13,7 @@ namespace {
 /// A home folder of its own for each test, with a Desktop.
 class QZLFileSystem : public testing::Test {
 protected:
-    QZLFileSystem() {
-        setenv("HOME", _home.path().c_str(), 1);
-        std::filesystem::create_directory(desktop());
-    }
+    QZLFileSystem() { std::filesystem::create_directory(desktop()); }
 
     std::filesystem::path home() const { return _home.path(); }
     std::filesystem::path desktop() const { return _home.path() / "Desktop"; }
@@ -28,6 +25,7 @@ protected:
 
 private:
     fake::TemporaryDirectory _home;
+    fake::ScopedEnvironment _homeVariable{"HOME", _home.path().string()};
 };
 
 }  // namespace

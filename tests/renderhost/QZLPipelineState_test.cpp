@@ -158,6 +158,17 @@ TEST_F(QZLPipelineState, AComputePipelineThatCannotBeMadeIs106) {
     expectError(106, 8);
 }
 
+TEST_F(QZLPipelineState, SuccessLeavesAFormerErrorInItsPlace) {
+    const std::array formats{gpu::PixelFormat::R16Unorm};
+    const auto target = layer->device()->newTexture({formats[0], 2, 2, gpu::TextureUsage::RenderTarget});
+    error = QZLCreateError("former", 42, 7);
+    EXPECT_NE(createRender("Vertex", "Fragment"), nullptr);
+    EXPECT_NE(QZLCreateRenderToTexturePipelineState(*layer, *target, "Vertex", "Fragment", &error, 1), nullptr);
+    EXPECT_NE(QZLCreateCustomRenderPipelineState(*layer, formats.data(), 1, "Vertex", "Fragment", &error, 1), nullptr);
+    EXPECT_NE(createCompute("Kernel"), nullptr);
+    expectError(42, 7);
+}
+
 TEST_F(QZLPipelineState, AFailureNeedsNoPlaceForItsError) {
     gpu->plan().noLibrary = true;
     EXPECT_EQ(QZLCreateRenderPipelineState(*layer, "Vertex", "Fragment", nullptr, 1), nullptr);

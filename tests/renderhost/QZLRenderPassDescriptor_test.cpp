@@ -55,6 +55,13 @@ TEST_F(QZLRenderPassDescriptor, AFailureNeedsNoPlaceForItsError) {
     EXPECT_FALSE(QZLCreateRenderPassDescriptorMultiple(array.data(), 3, nullptr, 1));
 }
 
+TEST_F(QZLRenderPassDescriptor, SuccessLeavesAFormerErrorInItsPlace) {
+    error = QZLCreateError("former", 42, 7);
+    EXPECT_TRUE(QZLCreateRenderPassDescriptorMultiple(array.data(), 3, &error, 1));
+    EXPECT_TRUE(QZLCreateRenderPassDescriptorMultiple(array.data(), 0, &error, 1));
+    EXPECT_EQ(error.value().code(), 42);
+}
+
 TEST_F(QZLRenderPassDescriptor, ReleaseNullsTheElements) {
     ASSERT_TRUE(QZLCreateRenderPassDescriptorMultiple(array.data(), 3, nullptr, 0));
     const std::weak_ptr<gpu::RenderPassDescriptor> first = array[0];

@@ -5,13 +5,13 @@
 #include "renderhost/QZLMetalRenderer.hpp"
 #include "renderhost/QZLScreenshot.hpp"
 #include "tests/support/FakeHostView.hpp"
+#include "tests/support/ScopedEnvironment.hpp"
 #include "tests/support/TemporaryDirectory.hpp"
 #include "tests/support/TestBundle.hpp"
 
 #include <gtest/gtest.h>
 #include <QImage>
 
-#include <cstdlib>
 #include <filesystem>
 #include <mutex>
 #include <span>
@@ -35,7 +35,6 @@ public:
 class QZLScreenshotOnDevice : public testing::Test {
 protected:
     QZLScreenshotOnDevice() {
-        setenv("HOME", home.path().c_str(), 1);
         std::filesystem::create_directory(desktop());
         platform::setSystemLogSink([](std::string_view) {});
         gpu::vulkan::VulkanOptions options;
@@ -70,6 +69,7 @@ protected:
     }
 
     fake::TemporaryDirectory home;
+    fake::ScopedEnvironment homeVariable{"HOME", home.path().string()};
     fake::Bundle bundle;
     std::shared_ptr<gpu::Device> device;
     std::shared_ptr<fake::HostView> view = std::make_shared<fake::HostView>();

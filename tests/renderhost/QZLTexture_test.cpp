@@ -135,6 +135,17 @@ TEST_F(QZLTexture, MultipleStopsAtTheFirstFailureAndKeepsWhatItMade) {
     }
 }
 
+TEST_F(QZLTexture, SuccessLeavesAFormerErrorInItsPlace) {
+    constexpr auto format = gpu::PixelFormat::R16Unorm;
+    error = QZLCreateError("former", 42, 7);
+    EXPECT_NE(QZLCreateReadableTexture(*device, 7, 5, format, &error, 1), nullptr);
+    EXPECT_NE(QZLCreateWritableTexture(*device, 7, 5, &error, 1), nullptr);
+    EXPECT_NE(QZLCreateRenderTargetTexture(*device, 7, 5, format, &error, 1), nullptr);
+    EXPECT_TRUE(QZLCreateWritableTextureMultiple(*device, 7, 5, array.data(), 3, &error, 1));
+    EXPECT_TRUE(QZLCreateRenderTargetTextureMultiple(*device, 7, 5, format, array.data(), 3, &error, 1));
+    expectError(42, 7);
+}
+
 TEST_F(QZLTexture, MultipleReplacesAndReleasesWhatTheArrayHeld) {
     ASSERT_TRUE(QZLCreateWritableTextureMultiple(*device, 7, 5, array.data(), 3, nullptr, 0));
     const std::weak_ptr<gpu::Texture> former = array[1];

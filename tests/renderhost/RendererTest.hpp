@@ -2,11 +2,13 @@
 
 #include "foundation/QZLEnvironment.hpp"
 #include "foundation/QZLJournal.hpp"
+#include "foundation/QZLPrecisionTime.hpp"
 #include "platform/SystemLog.hpp"
 #include "renderhost/QZLMetalRenderer.hpp"
 #include "tests/support/FakeClock.hpp"
 #include "tests/support/FakeGpu.hpp"
 #include "tests/support/FakeHostView.hpp"
+#include "tests/support/ScopedEnvironment.hpp"
 #include "tests/support/TemporaryDirectory.hpp"
 #include "tests/support/TestBundle.hpp"
 
@@ -14,7 +16,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -66,7 +67,7 @@ public:
     RendererWorld() {
         platform::setSystemLogSink([](std::string_view) {});
         QZLForgetMacOsVersion();
-        setenv("HOME", home.path().c_str(), 1);
+        QZLPrecisionTimeNanoseconds();  // the process's zero point, at which no period can open
         clock.advance(1.0);
         renderer->setJournal(journal);
     }
@@ -107,6 +108,7 @@ public:
     }
 
     fake::TemporaryDirectory home;
+    fake::ScopedEnvironment homeVariable{"HOME", home.path().string()};
     fake::Clock clock;
     fake::Bundle bundle{
         {{"Vistashade", {{"QZL_JOURNAL_MESSAGE_FORMAT", "%@%@\n"}, {"QZL_JOURNAL_LOG_FORMAT", "%@%@%@"}}}}};

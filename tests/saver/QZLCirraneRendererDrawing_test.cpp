@@ -11,9 +11,11 @@
 
 namespace {
 
+using testing::Contains;
 using testing::Each;
 using testing::ElementsAre;
 using testing::ElementsAreArray;
+using testing::Not;
 
 constexpr double twoPi = 6.283185307179586;
 
@@ -35,7 +37,8 @@ TEST_F(QZLCirraneRendererDrawing, FrameEncodesTheColorPassAndThenTheLightPass) {
                     "texture  of format 12 at 0", "draw type 4 from 0 count 4", "end",
                     "pass [Screen of format 80 load 0 store 1]", "pipeline", "label LightShader",
                     "64 vertex bytes at 0", "lightStyleBuffer1 from 0 at 0", "texture RenderTarget1 of format 90 at 0",
-                    "texture RenderTarget1 of format 20 at 1", "draw type 4 from 0 count 4", "end"));
+                    "texture RenderTarget1 of format 20 at 1", "draw type 4 from 0 count 4", "end",
+                    "addCompletedHandler"));
     ASSERT_EQ(commands->draws.size(), 2U);
     EXPECT_EQ(commands->draws[0].targets[0], commands->draws[1].textures.at(0)) << "the light pass reads the colours";
     EXPECT_EQ(commands->draws[0].targets[1], commands->draws[1].textures.at(1)) << "and the heights";
@@ -206,6 +209,17 @@ TEST_F(QZLCirraneRendererDrawing, FrameWithoutEncodersStillGivesItsSlotBack) {
         renderer->drawFrame(context);
         EXPECT_TRUE(commands->draws.empty());
         commands->complete();
+    }
+    EXPECT_EQ(drawFrame(0)->draws.size(), 2U);
+}
+
+TEST_F(QZLCirraneRendererDrawing, FrameWhoseEncodingThrowsGivesItsSlotBack) {
+    for (const int encoders : {0, 1}) {
+        const auto commands = std::make_shared<RecordingCommandBuffer>();
+        commands->throwAfterEncoders(encoders);
+        QZLDrawContext context = contextOf(commands, 0);
+        EXPECT_THROW(renderer->drawFrame(context), std::bad_alloc);
+        EXPECT_THAT(commands->calls, Not(Contains("addCompletedHandler")));
     }
     EXPECT_EQ(drawFrame(0)->draws.size(), 2U);
 }

@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include <new>
+
 extern "C" const platform::SaverModule* cirraneSaverModule() noexcept;
 
 namespace {
@@ -74,6 +76,32 @@ TEST_F(QZLCirraneSessionTest, FailedStartReportsTheErrorAndDetaches) {
     EXPECT_FALSE(session.startAnimation()) << "the second try finds memory";
 }
 
+/// Throws where the noise is made, which is when the base has attached.
+class ThrowingRandom final : public platform::RandomGenerator {
+public:
+    ThrowingRandom() { platform::setRandomGenerator(this); }
+    ~ThrowingRandom() override { platform::setRandomGenerator(nullptr); }
+
+    void seed(std::uint32_t) override {}
+    std::int64_t next() override { throw std::bad_alloc(); }
+};
+
+TEST_F(QZLCirraneSessionTest, StartThatThrowsReportsTheLackOfMemoryAndDetaches) {
+    QZLCirraneSession session(view, false, 0);
+    {
+        const ThrowingRandom random;
+        const auto error = session.startAnimation();
+        ASSERT_TRUE(error);
+        EXPECT_EQ(error->code(), 1008);
+        EXPECT_EQ(error->localizedDescription(), "Out of memory.");
+    }
+    EXPECT_THAT(session.journal().accumulatedMessages(), HasSubstr("Attached Metal renderer successfully."));
+    EXPECT_FALSE(session.renderer().isAttached());
+    EXPECT_FALSE(view->displayLink->exists);
+    EXPECT_FALSE(session.startAnimation()) << "the second try finds memory";
+    EXPECT_TRUE(view->displayLink->running);
+}
+
 TEST_F(QZLCirraneSessionTest, DestroyingStopsAndDetaches) {
     {
         QZLCirraneSession session(view, false, 0);
@@ -82,6 +110,18 @@ TEST_F(QZLCirraneSessionTest, DestroyingStopsAndDetaches) {
     EXPECT_FALSE(view->displayLink->exists);
     EXPECT_THAT(log, Contains(EndsWith("Stopped animation.")));
     EXPECT_THAT(log.back(), EndsWith("Detached Metal renderer."));
+}
+
+TEST_F(QZLCirraneSessionTest, StoppingIsJournalledOncePerStart) {
+    {
+        QZLCirraneSession session(view, false, 0);
+        session.stopAnimation();
+        EXPECT_THAT(log, testing::IsEmpty()) << "it has not started yet";
+        EXPECT_FALSE(session.startAnimation());
+        session.stopAnimation();
+        session.stopAnimation();
+    }
+    EXPECT_THAT(log, Contains(EndsWith("Stopped animation.")).Times(1));
 }
 
 TEST_F(QZLCirraneSessionTest, DestroyingOneThatNeverStartedSaysNothing) {

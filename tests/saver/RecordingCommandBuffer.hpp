@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <map>
 #include <memory>
+#include <new>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,6 +26,8 @@ public:
 
     /// From now on no encoder can be made.
     void refuseEncoders() { _refusesEncoders = true; }
+    /// That many encoders can still be made; the next one throws.
+    void throwAfterEncoders(int count) { _encodersBeforeThrow = count; }
     /// As if the GPU had finished.
     void complete() {
         didSchedule();
@@ -71,6 +75,9 @@ private:
     }
 
     gpu::RenderCommandEncoder* beginRenderPass(const gpu::RenderPassDescriptor& descriptor) override {
+        if (_encodersBeforeThrow && (*_encodersBeforeThrow)-- == 0) {
+            throw std::bad_alloc();
+        }
         if (_refusesEncoders) {
             return nullptr;
         }
@@ -89,9 +96,11 @@ private:
     }
     gpu::ComputeCommandEncoder* beginComputePass() override { return nullptr; }
     gpu::BlitCommandEncoder* beginBlitPass() override { return nullptr; }
+    void didAddCompletedHandler() override { calls.emplace_back("addCompletedHandler"); }
     void submit() override {}
     void waitForGpu() override {}
 
     Encoder _encoder;
     bool _refusesEncoders = false;
+    std::optional<int> _encodersBeforeThrow;
 };

@@ -40,9 +40,11 @@ TEST_F(QZLDefaultsManagerReport, KeepsAllOfSixtyFourBits) {
 }
 
 TEST_F(QZLDefaultsManagerReport, IsWrittenInOrderThenSynchronized) {
-    manager.saveError(200, 0, "journal");
-    EXPECT_THAT(store->calls(), ElementsAre("set SavedErrorVersion", "set SavedErrorMacOsVersion", "set SavedErrorCode",
-                                            "set SavedErrorSubCode", "set SavedErrorJournal", "synchronize"));
+    manager.saveError(200, 1003, "journal");
+    EXPECT_THAT(store->calls(),
+                ElementsAre("setString SavedErrorVersion 1.2.3", "setString SavedErrorMacOsVersion 10.13.2",
+                            "setInteger SavedErrorCode 200", "setInteger SavedErrorSubCode 1003",
+                            "setString SavedErrorJournal journal", "synchronize"));
 }
 
 TEST_F(QZLDefaultsManagerReport, IsRemovedInOrderThenSynchronized) {
@@ -171,8 +173,11 @@ TEST_F(QZLDefaultsManagerReport, IsWrittenAsAUnit) {
     std::erase(writes, "synchronize");
     ASSERT_EQ(writes.size(), 2U * rounds * 5U);
     for (std::size_t i = 0; i < writes.size(); i += 5) {
-        ASSERT_EQ(writes[i], "set SavedErrorVersion");
-        ASSERT_EQ(writes[i + 4], "set SavedErrorJournal");
+        const std::string number = writes[i + 4].substr(writes[i + 4].rfind(' ') + 1);
+        ASSERT_EQ(writes[i], "setString SavedErrorVersion 1.2.3");
+        ASSERT_EQ(writes[i + 2], "setInteger SavedErrorCode " + number);
+        ASSERT_EQ(writes[i + 3], "setInteger SavedErrorSubCode " + number);
+        ASSERT_EQ(writes[i + 4], "setString SavedErrorJournal " + number);
     }
     EXPECT_EQ(manager.savedErrorCode(), manager.savedErrorSubCode());
     EXPECT_EQ(manager.savedErrorJournal(), std::to_string(manager.savedErrorCode()));

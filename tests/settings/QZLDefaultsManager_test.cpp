@@ -65,8 +65,9 @@ TEST_F(QZLDefaultsManagerTest, SettingsReadAsTheyWereSet) {
 
 TEST_F(QZLDefaultsManagerTest, SettersStoreUnderTheirKeysAndDoNotSynchronize) {
     changeEverySetting(manager);
-    EXPECT_THAT(store->calls(), ElementsAre("set Colors", "set Brightness", "set Speed", "set Zoom", "set MultiScreen",
-                                            "set ScreenshotInterval", "set Diagnostics"));
+    EXPECT_THAT(store->calls(),
+                ElementsAre("setFloat Colors 0.125", "setFloat Brightness 0.1", "setFloat Speed 0", "setFloat Zoom 1",
+                            "setFloat MultiScreen 0", "setInteger ScreenshotInterval 4", "setFloat Diagnostics 1"));
 }
 
 TEST_F(QZLDefaultsManagerTest, ValuesAreNotClamped) {
@@ -85,10 +86,14 @@ TEST_F(QZLDefaultsManagerTest, SwitchesAreStoredAsNumbers) {
     EXPECT_FALSE(manager.multiScreen());
     EXPECT_TRUE(store->isStored("MultiScreen"));
     EXPECT_EQ(store->floatForKey("MultiScreen"), 0.0F);
+    manager.setMultiScreen(true);
+    EXPECT_EQ(store->floatForKey("MultiScreen"), 1.0F);
     manager.setDiagnostics(true);
     EXPECT_EQ(store->floatForKey("Diagnostics"), 1.0F);
     manager.setDiagnostics(false);
     EXPECT_EQ(store->floatForKey("Diagnostics"), 0.0F);
+    EXPECT_THAT(store->calls(), ElementsAre("setFloat MultiScreen 0", "setFloat MultiScreen 1",
+                                            "setFloat Diagnostics 1", "setFloat Diagnostics 0"));
 }
 
 TEST_F(QZLDefaultsManagerTest, AnyNumberButZeroSwitchesOn) {
@@ -151,19 +156,30 @@ TEST_F(QZLDefaultsManagerTest, SettingsSurviveInTheModulesFile) {
     expectRegisteredDefaults(manager);
 }
 
-TEST_F(QZLDefaultsManagerTest, TheStoreIsThatOfTheBundlesIdentifier) {
-    bundle.setInfo("CFBundleIdentifier", "org.example.named");
-    platform::setPreferencesStore(nullptr);
-    EXPECT_EQ(manager.screenSaverDefaults(), platform::preferencesForModule("org.example.named"));
-    EXPECT_NE(manager.screenSaverDefaults(), platform::preferencesForModule("org.example.other"));
+bool usesTheStoreOf(const std::string& moduleName) {
+    return QZLDefaultsManager::sharedInstance().screenSaverDefaults() == platform::preferencesForModule(moduleName);
 }
 
-TEST_F(QZLDefaultsManagerTest, ABundleWithoutIdentifierStillHasAStore) {
-    platform::setPreferencesStore(nullptr);
+int exitCodeOfAFirstUseInANamedBundle() {
+    fake::Bundle bundle;
+    bundle.setInfo("CFBundleIdentifier", "org.example.named");
+    const bool isTheBundles = usesTheStoreOf("org.example.named");
+    bundle.setInfo("CFBundleIdentifier", "org.example.other");
+    const bool staysThroughAnotherName = usesTheStoreOf("org.example.named");
+    platform::Bundle::setOverride(nullptr);  // the bundle has gone
+    const bool staysThroughNone = usesTheStoreOf("org.example.named");
+    return isTheBundles && staysThroughAnotherName && staysThroughNone && !usesTheStoreOf("org.example.other") ? 0 : 1;
+}
+
+int exitCodeOfAFirstUseInABundleWithoutIdentifier() {
+    fake::Bundle bundle;
     bundle.setInfo("CFBundleIdentifier", "");
-    EXPECT_EQ(manager.screenSaverDefaults(), platform::preferencesForModule("Cirrane"));
-    platform::Bundle::setOverride(nullptr);  // no bundle at all
-    EXPECT_EQ(manager.screenSaverDefaults(), platform::preferencesForModule("Cirrane"));
+    return usesTheStoreOf("Cirrane") ? 0 : 1;
+}
+
+int exitCodeOfAFirstUseWithoutABundle() {
+    platform::Bundle::setOverride(nullptr);
+    return usesTheStoreOf("Cirrane") ? 0 : 1;
 }
 
 int exitCodeOfAFirstUseByMany() {
@@ -187,9 +203,25 @@ int exitCodeOfAFirstUseByMany() {
     return isOne && isRegistered && store->calls() == std::vector<std::string>{"register 7"} ? 0 : 1;
 }
 
-// The instance is made once per process, so this needs a process of its own.
-TEST(QZLDefaultsManagerDeathTest, IsMadeAndRegisteredOnceWhenManyAskAtOnce) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
+// The instance is made once per process, so each of these needs a process of its own.
+class QZLDefaultsManagerDeathTest : public testing::Test {
+protected:
+    QZLDefaultsManagerDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+};
+
+TEST_F(QZLDefaultsManagerDeathTest, TheStoreIsThatOfTheBundlesIdentifierAtTheFirstUse) {
+    EXPECT_EXIT(std::exit(exitCodeOfAFirstUseInANamedBundle()), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(QZLDefaultsManagerDeathTest, ABundleWithoutIdentifierStillHasAStore) {
+    EXPECT_EXIT(std::exit(exitCodeOfAFirstUseInABundleWithoutIdentifier()), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(QZLDefaultsManagerDeathTest, WithoutABundleThereIsStillAStore) {
+    EXPECT_EXIT(std::exit(exitCodeOfAFirstUseWithoutABundle()), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(QZLDefaultsManagerDeathTest, IsMadeAndRegisteredOnceWhenManyAskAtOnce) {
     EXPECT_EXIT(std::exit(exitCodeOfAFirstUseByMany()), testing::ExitedWithCode(0), "");
 }
 

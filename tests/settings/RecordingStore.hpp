@@ -7,11 +7,12 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <vector>
 
 /// A store in memory that records every change as a line of text, such as
-/// "set SavedErrorCode", "remove Speed", "register 7", "synchronize".
+/// "setFloat Speed 0.7", "remove Speed", "register 7", "synchronize".
 class RecordingStore final : public platform::PreferencesStore {
 public:
     static std::shared_ptr<RecordingStore> install() {
@@ -42,15 +43,15 @@ public:
         return _memory->stringForKey(key);
     }
     void setFloat(float value, const std::string& key) override {
-        record("set " + key);
+        recordValue("setFloat", key, value);
         _memory->setFloat(value, key);
     }
     void setInteger(std::int64_t value, const std::string& key) override {
-        record("set " + key);
+        recordValue("setInteger", key, value);
         _memory->setInteger(value, key);
     }
     void setString(const std::string& value, const std::string& key) override {
-        record("set " + key);
+        recordValue("setString", key, value);
         _memory->setString(value, key);
     }
     void removeObjectForKey(const std::string& key) override {
@@ -71,6 +72,12 @@ private:
     void record(const std::string& call) {
         const std::lock_guard lock(_mutex);
         _calls.push_back(call);
+    }
+    template <typename Value>
+    void recordValue(const char* setter, const std::string& key, const Value& value) {
+        std::ostringstream call;
+        call << setter << ' ' << key << ' ' << value;
+        record(call.str());
     }
 
     std::shared_ptr<platform::PreferencesStore> _memory = platform::makeMemoryPreferencesStore();

@@ -8,7 +8,7 @@
 
 namespace fake {
 
-/// An empty directory that goes, with all that is in it, when this object does.
+/// An empty directory, by its one true path, that goes, with all that is in it, when this object does.
 class TemporaryDirectory {
 public:
     TemporaryDirectory() {
@@ -16,7 +16,7 @@ public:
         if (mkdtemp(name.data()) == nullptr) {
             throw std::runtime_error("no temporary directory");
         }
-        _path = name;
+        _path = std::filesystem::canonical(name);
     }
     ~TemporaryDirectory() {
         std::error_code error;

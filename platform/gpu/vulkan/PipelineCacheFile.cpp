@@ -4,7 +4,6 @@
 
 #include <cstring>
 #include <exception>
-#include <fstream>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -72,20 +71,11 @@ std::span<const std::byte> parsePipelineCacheFile(std::span<const std::byte> fil
 std::vector<std::byte> readPipelineCacheFile(const std::filesystem::path& file,
                                              const PipelineCacheIdentity& identity) noexcept {
     try {
-        std::error_code error;
-        if (!std::filesystem::is_regular_file(file, error)) {  // a pipe could block for ever
+        std::string contents;
+        if (platform::readFile(file, maximumPipelineCacheBytes, contents)) {
             return {};
         }
-        const std::uintmax_t size = std::filesystem::file_size(file, error);
-        if (error || size > maximumPipelineCacheBytes) {
-            return {};
-        }
-        std::vector<std::byte> bytes(static_cast<std::size_t>(size));
-        std::ifstream stream(file, std::ios::binary);
-        if (!stream.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()))) {
-            return {};
-        }
-        const std::span data = parsePipelineCacheFile(bytes, identity);
+        const std::span data = parsePipelineCacheFile(std::as_bytes(std::span(contents)), identity);
         return {data.begin(), data.end()};
     } catch (const std::exception&) {
         return {};

@@ -1,9 +1,10 @@
 #include "platform/gpu/vulkan/SpirvModule.hpp"
 
+#include "platform/FileContents.hpp"
+
 #include <algorithm>
 #include <cstring>
 #include <exception>
-#include <fstream>
 #include <spirv-tools/libspirv.hpp>
 #include <system_error>
 
@@ -73,26 +74,6 @@ bool isValid(const std::vector<std::uint32_t>& words, std::string& reason) {
     return valid;
 }
 
-std::vector<std::byte> readBytes(const std::filesystem::path& file, std::string& reason) {
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(file, error)) {  // a pipe could block for ever
-        reason = "no such file";
-        return {};
-    }
-    const std::uintmax_t size = std::filesystem::file_size(file, error);
-    if (error || size > SpirvModule::maximumBytes) {
-        reason = error ? error.message() : "too large";
-        return {};
-    }
-    std::vector<std::byte> bytes(static_cast<std::size_t>(size));
-    std::ifstream stream(file, std::ios::binary);
-    if (!stream.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()))) {
-        reason = "cannot be read";
-        return {};
-    }
-    return bytes;
-}
-
 }  // namespace
 
 std::optional<SpirvModule> SpirvModule::read(std::span<const std::byte> bytes, std::string& reason) noexcept {
@@ -126,9 +107,12 @@ std::optional<SpirvModule> SpirvModule::read(std::span<const std::byte> bytes, s
 
 std::optional<SpirvModule> SpirvModule::readFile(const std::filesystem::path& file, std::string& reason) noexcept {
     try {
-        reason.clear();
-        const std::vector<std::byte> bytes = readBytes(file, reason);
-        return reason.empty() ? read(bytes, reason) : std::nullopt;
+        std::string contents;
+        if (const std::error_code error = platform::readFile(file, maximumBytes, contents)) {
+            reason = error.message();
+            return std::nullopt;
+        }
+        return read(std::as_bytes(std::span(contents)), reason);
     } catch (const std::exception&) {
         reason.assign("out of memory");
         return std::nullopt;

@@ -17,7 +17,8 @@ namespace {
 
 class VulkanBackend final : public Backend, public std::enable_shared_from_this<VulkanBackend> {
 public:
-    explicit VulkanBackend(VulkanOptions options) : _options(std::move(options)) {}
+    VulkanBackend(VulkanOptions options, bool opensBareDevices)
+        : _options(std::move(options)), _opensBareDevices(opensBareDevices) {}
 
     std::string platformVersion() override;
     std::shared_ptr<Layer> newLayer() override;
@@ -27,6 +28,7 @@ private:
     std::shared_ptr<const VulkanInstance> instance();
 
     const VulkanOptions _options;
+    const bool _opensBareDevices;
     std::mutex _instanceMutex;
     std::shared_ptr<const VulkanInstance> _instance;
 };
@@ -60,12 +62,13 @@ std::shared_ptr<Device> VulkanBackend::openDevice() {
             platform::systemLog("gpu: no Vulkan device that fits");
             return nullptr;
         }
-        return std::make_shared<VulkanDevice>(opened, std::move(*chosen), _options.pipelineCacheDirectory,
-                                              [backend = weak_from_this()](const Device& device) {
-                                                  if (const auto known = backend.lock()) {
-                                                      known->deviceWasLost(device);
-                                                  }
-                                              });
+        chosen->hasAllFeatures = chosen->hasAllFeatures && !_opensBareDevices;
+        return VulkanDevice::open(opened, std::move(*chosen), _options.pipelineCacheDirectory,
+                                  [backend = weak_from_this()](const Device& device) {
+                                      if (const auto known = backend.lock()) {
+                                          known->deviceWasLost(device);
+                                      }
+                                  });
     } catch (const std::exception& error) {
         platform::systemLog(std::string("gpu: no Vulkan device: ") + error.what());
         return nullptr;
@@ -83,7 +86,11 @@ std::shared_ptr<const VulkanInstance> VulkanBackend::instance() {
 }  // namespace
 
 std::shared_ptr<Backend> makeVulkanBackend(VulkanOptions options) {
-    return std::make_shared<VulkanBackend>(std::move(options));
+    return std::make_shared<VulkanBackend>(std::move(options), false);
+}
+
+std::shared_ptr<Backend> makeBareVulkanBackend(VulkanOptions options) {
+    return std::make_shared<VulkanBackend>(std::move(options), true);
 }
 
 std::vector<DeviceListing> listDevices(const VulkanOptions& options) {

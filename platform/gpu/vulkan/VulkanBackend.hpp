@@ -45,6 +45,9 @@ std::shared_ptr<Backend> makeVulkanBackend(VulkanOptions options);
 /// All devices in the order in which `VulkanOptions::device` counts them.
 std::vector<DeviceListing> listDevices(const VulkanOptions& options);
 
+/// One that opens its devices as if they lacked the features that drawing needs. For tests.
+std::shared_ptr<Backend> makeBareVulkanBackend(VulkanOptions options);
+
 /// From now on this device of a Vulkan backend counts as lost, as after a crash of its driver. For tests.
 void loseDevice(Device& device);
 

@@ -3,28 +3,12 @@
 #include <utility>
 
 namespace gpu::vulkan {
-namespace {
-
-vk::raii::CommandPool makePool(const VulkanDevice& device) {
-    return {device.handle(), vk::CommandPoolCreateInfo{.flags = vk::CommandPoolCreateFlagBits::eTransient,
-                                                       .queueFamilyIndex = device.queueFamily()}};
-}
-
-vk::raii::CommandBuffer makeCommands(const VulkanDevice& device, const vk::raii::CommandPool& pool) {
-    vk::raii::CommandBuffers buffers(
-        device.handle(), vk::CommandBufferAllocateInfo{
-                             .commandPool = *pool, .level = vk::CommandBufferLevel::ePrimary, .commandBufferCount = 1});
-    return std::move(buffers.front());
-}
-
-}  // namespace
 
 VulkanCommandBuffer::VulkanCommandBuffer(std::shared_ptr<VulkanDevice> device,
                                          std::weak_ptr<VulkanSubmissions> submissions)
     : _device(std::move(device)),
       _submissions(std::move(submissions)),
-      _pool(makePool(*_device)),
-      _commands(makeCommands(*_device, _pool)),
+      _commands(_device->makeCommands()),
       _descriptors(_device->handle(), _device->bindings()),
       _renderEncoder(*this),
       _computeEncoder(*this),
@@ -35,15 +19,20 @@ void VulkanCommandBuffer::begin() {
     _timelineValue.store(0, std::memory_order_release);
     _hasLabel = false;
     _descriptors.reset();
-    _pool.reset();
-    _commands.begin({.flags = vk::CommandBufferUsageFlagBits::eOneTimeSubmit});
+    _commands.pool.reset();
+    commands().begin({.flags = vk::CommandBufferUsageFlagBits::eOneTimeSubmit});
 }
 
 RenderCommandEncoder* VulkanCommandBuffer::beginRenderPass(const RenderPassDescriptor& descriptor) {
-    return _renderEncoder.begin(descriptor) ? &_renderEncoder : nullptr;
+    _renderEncoder.begin(descriptor);
+    return &_renderEncoder;
 }
 
 ComputeCommandEncoder* VulkanCommandBuffer::beginComputePass() {
+    // Its end records a barrier. (The other passes need a texture to record anything.)
+    if (!_device->hasAllFeatures()) {
+        return nullptr;
+    }
     _computeEncoder.begin();
     return &_computeEncoder;
 }
@@ -54,7 +43,7 @@ BlitCommandEncoder* VulkanCommandBuffer::beginBlitPass() {
 
 void VulkanCommandBuffer::submit() {
     const bool recorded = _device->attempt("a command buffer could not be recorded", [this] {
-        _commands.end();
+        commands().end();
         return true;
     });
     const std::shared_ptr<VulkanSubmissions> submissions = _submissions.lock();
@@ -82,14 +71,14 @@ void VulkanCommandBuffer::beginLabel(std::string_view label) {
     if (_device->instance().hasDebugNames()) {
         endLabel();
         _label = label;
-        _commands.beginDebugUtilsLabelEXT({.pLabelName = _label.c_str()});
+        commands().beginDebugUtilsLabelEXT({.pLabelName = _label.c_str()});
         _hasLabel = true;
     }
 }
 
 void VulkanCommandBuffer::endLabel() {
     if (std::exchange(_hasLabel, false)) {
-        _commands.endDebugUtilsLabelEXT();
+        commands().endDebugUtilsLabelEXT();
     }
 }
 

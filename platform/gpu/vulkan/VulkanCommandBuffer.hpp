@@ -28,7 +28,7 @@ public:
     void begin();
 
     VulkanDevice& device() const { return *_device; }
-    const vk::raii::CommandBuffer& commands() const { return _commands; }
+    const vk::raii::CommandBuffer& commands() const { return _commands.buffer; }
     DescriptorAllocator& descriptors() { return _descriptors; }
 
     /// Names what is recorded until `endLabel`. A second label replaces the first.
@@ -48,8 +48,7 @@ private:
 
     const std::shared_ptr<VulkanDevice> _device;
     const std::weak_ptr<VulkanSubmissions> _submissions;
-    vk::raii::CommandPool _pool;
-    vk::raii::CommandBuffer _commands;
+    VulkanCommands _commands;
     DescriptorAllocator _descriptors;
     VulkanRenderEncoder _renderEncoder;
     VulkanComputeEncoder _computeEncoder;

@@ -7,7 +7,11 @@ namespace gpu::vulkan {
 VulkanCommandQueue::VulkanCommandQueue(const std::shared_ptr<VulkanDevice>& device)
     : CommandQueue(device),
       _submissions(std::make_shared<VulkanSubmissions>(device)),
-      _completionThread([submissions = _submissions] { submissions->completeUntilClosed(); }) {}
+      _completionThread([submissions = _submissions] {
+          // Detached below, it may be the last to hold the device.
+          VulkanDevice::leaveOpenOnThisThread();
+          submissions->completeUntilClosed();
+      }) {}
 
 VulkanCommandQueue::~VulkanCommandQueue() {
     _submissions->close();

@@ -55,7 +55,7 @@ void VulkanComputeEncoder::encodeTexture(const std::shared_ptr<Texture>& texture
     const auto& used = static_cast<const VulkanTexture&>(*texture);
     if (contains(texture->usage(), TextureUsage::ShaderWrite)) {
         _bindings.setStorageTexture(used, index);
-    } else if (check(contains(texture->usage(), TextureUsage::ShaderRead), "a texture that shaders cannot use")) {
+    } else {
         _bindings.setTexture(used, index);
     }
 }

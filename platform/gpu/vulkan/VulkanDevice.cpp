@@ -26,7 +26,6 @@ vk::raii::Device openDevice(const DeviceCandidate& candidate) {
     const vk::PhysicalDeviceFeatures coreFeatures{
         .shaderStorageImageWriteWithoutFormat = candidate.device.getFeatures().shaderStorageImageWriteWithoutFormat};
     const char* const swapchain = VK_KHR_SWAPCHAIN_EXTENSION_NAME;
-    // A device that lacks features is opened bare, only to be asked for its name and abilities.
     return {candidate.device, vk::DeviceCreateInfo{.pNext = candidate.hasAllFeatures ? &features : nullptr,
                                                    .queueCreateInfoCount = 1,
                                                    .pQueueCreateInfos = &queue,
@@ -35,7 +34,32 @@ vk::raii::Device openDevice(const DeviceCandidate& candidate) {
                                                    .pEnabledFeatures = &coreFeatures}};
 }
 
+thread_local bool leavesDevicesOpen = false;
+
 }  // namespace
+
+std::shared_ptr<VulkanDevice> VulkanDevice::open(std::shared_ptr<const VulkanInstance> instance,
+                                                 DeviceCandidate candidate,
+                                                 const std::filesystem::path& pipelineCacheDirectory,
+                                                 LostHandler onLost) {
+    return {new VulkanDevice(std::move(instance), std::move(candidate), pipelineCacheDirectory, std::move(onLost)),
+            &close};
+}
+
+void VulkanDevice::leaveOpenOnThisThread() noexcept {
+    leavesDevicesOpen = true;
+}
+
+/// The end of a device may be that of its instance, and this unloads the driver, whose clean-up for the thread would
+/// then run code that is no longer there.
+void VulkanDevice::close(VulkanDevice* device) noexcept {
+    if (!leavesDevicesOpen) {
+        delete device;
+        return;
+    }
+    static std::atomic<VulkanDevice*> leftOpen{nullptr};  // where leak checkers find them
+    device->_leftOpenBefore = leftOpen.exchange(device);
+}
 
 VulkanDevice::VulkanDevice(std::shared_ptr<const VulkanInstance> instance, DeviceCandidate candidate,
                            const std::filesystem::path& pipelineCacheDirectory, LostHandler onLost)
@@ -61,7 +85,7 @@ std::string VulkanDevice::driverDescription() const {
 }
 
 bool VulkanDevice::supportsFeatureSet(FeatureSet featureSet) const {
-    return featureSet == FeatureSet::MacOsGpuFamily1V3 && _candidate.hasAllFeatures;
+    return featureSet == FeatureSet::MacOsGpuFamily1V3 && hasAllFeatures();
 }
 
 std::size_t VulkanDevice::maximumTextureSize() const {
@@ -75,6 +99,9 @@ void VulkanDevice::submit(const vk::SubmitInfo2& submission, vk::Fence fence) {
 vk::Result VulkanDevice::trySubmit(const vk::SubmitInfo2& submission, vk::Fence fence) noexcept {
     if (isLost()) {
         return vk::Result::eErrorDeviceLost;
+    }
+    if (!hasAllFeatures()) {
+        return vk::Result::eErrorFeatureNotPresent;
     }
     const std::lock_guard lock(_queueMutex);
     return (*_queue).submit2(1, &submission, fence, *_device.getDispatcher());
@@ -101,14 +128,18 @@ void VulkanDevice::waitIdle() noexcept {
     static_cast<void>(_device.getDispatcher()->vkDeviceWaitIdle(static_cast<VkDevice>(*_device)));
 }
 
-void VulkanDevice::runAndWait(const std::function<void(const vk::raii::CommandBuffer&)>& record) {
-    const vk::raii::CommandPool pool(_device,
-                                     vk::CommandPoolCreateInfo{.flags = vk::CommandPoolCreateFlagBits::eTransient,
-                                                               .queueFamilyIndex = queueFamily()});
-    const vk::raii::CommandBuffers buffers(
+VulkanCommands VulkanDevice::makeCommands() const {
+    vk::raii::CommandPool pool(_device, vk::CommandPoolCreateInfo{.flags = vk::CommandPoolCreateFlagBits::eTransient,
+                                                                  .queueFamilyIndex = queueFamily()});
+    vk::raii::CommandBuffers buffers(
         _device, vk::CommandBufferAllocateInfo{
                      .commandPool = *pool, .level = vk::CommandBufferLevel::ePrimary, .commandBufferCount = 1});
-    const vk::raii::CommandBuffer& commands = buffers.front();
+    return {std::move(pool), std::move(buffers.front())};
+}
+
+void VulkanDevice::runAndWait(const std::function<void(const vk::raii::CommandBuffer&)>& record) {
+    const VulkanCommands own = makeCommands();
+    const vk::raii::CommandBuffer& commands = own.buffer;
     commands.begin({.flags = vk::CommandBufferUsageFlagBits::eOneTimeSubmit});
     record(commands);
     commands.end();
@@ -176,7 +207,7 @@ std::invoke_result_t<Make> VulkanDevice::create(const char* what, Make make) {
     if (isLost()) {
         return {};
     }
-    if (!_candidate.hasAllFeatures) {
+    if (!hasAllFeatures()) {
         logOnce(what, "the device lacks features");
         return {};
     }
@@ -184,7 +215,12 @@ std::invoke_result_t<Make> VulkanDevice::create(const char* what, Make make) {
 }
 
 std::shared_ptr<CommandQueue> VulkanDevice::makeCommandQueue() {
-    return create("a command queue could not be made", [this] { return std::make_shared<VulkanCommandQueue>(self()); });
+    // Also without features: who attaches to the device must get as far as to be told that it lacks them.
+    if (isLost()) {
+        return nullptr;
+    }
+    return attempt("a command queue could not be made",
+                   [this] { return std::make_shared<VulkanCommandQueue>(self()); });
 }
 
 std::shared_ptr<Texture> VulkanDevice::makeTexture(const TextureDescriptor& descriptor) {

@@ -23,20 +23,32 @@ class VulkanBindings;
 class VulkanPipelineCache;
 class VulkanTexture;
 
+/// A command buffer and the pool that is its memory. Reset the pool to record anew.
+struct VulkanCommands {
+    vk::raii::CommandPool pool;
+    vk::raii::CommandBuffer buffer;
+};
+
 /// A Vulkan device with its one queue. Everything made from it holds it by shared_ptr, so that it dies last. Any
 /// thread. What throws below throws vk::SystemError or std::bad_alloc; the seam's overrides catch through `attempt`.
 class VulkanDevice final : public Device {
 public:
     using LostHandler = std::function<void(const Device&)>;
 
-    /// Throws when the driver refuses. `onLost` is called once, with no lock held, on the thread that noticed.
-    VulkanDevice(std::shared_ptr<const VulkanInstance> instance, DeviceCandidate candidate,
-                 const std::filesystem::path& pipelineCacheDirectory, LostHandler onLost);
+    /// Throws when the driver refuses. `onLost` is called once, with no lock held, on the thread that noticed. A device
+    /// that lacks features is opened without any: it has command queues, whose buffers fail, and nothing else.
+    static std::shared_ptr<VulkanDevice> open(std::shared_ptr<const VulkanInstance> instance, DeviceCandidate candidate,
+                                              const std::filesystem::path& pipelineCacheDirectory, LostHandler onLost);
     ~VulkanDevice() override;
+
+    /// For threads that drivers must not be unloaded under: a device whose last reference goes on this thread is left
+    /// open to the end of the process.
+    static void leaveOpenOnThisThread() noexcept;
 
     std::string name() const override;
     std::string driverDescription() const override;
     bool supportsFeatureSet(FeatureSet featureSet) const override;
+    bool hasAllFeatures() const { return _candidate.hasAllFeatures; }
     std::size_t maximumTextureSize() const override;
     bool isLost() const override { return _lost.load(std::memory_order_acquire); }
 
@@ -49,13 +61,16 @@ public:
     const VulkanBindings& bindings() const { return *_bindings; }
     VulkanPipelineCache& pipelineCache() const { return *_pipelineCache; }
 
-    /// The uses of the queue exclude one another. `submit` throws; `trySubmit` returns what the driver said and leaves
-    /// it to the caller to note a loss once no lock is held. `present` returns what the presentation engine said
-    /// (success, suboptimal, out of date, surface lost ...), throws nothing, and notes a loss.
+    /// The uses of the queue exclude one another, and need all features. `submit` throws; `trySubmit` returns what the
+    /// driver said and leaves it to the caller to note a loss once no lock is held. `present` returns what the
+    /// presentation engine said (success, suboptimal, out of date, surface lost ...), throws nothing, and notes a loss.
     void submit(const vk::SubmitInfo2& submission, vk::Fence fence = {});
     vk::Result trySubmit(const vk::SubmitInfo2& submission, vk::Fence fence = {}) noexcept;
     vk::Result present(const vk::PresentInfoKHR& presentation);
     void waitIdle() noexcept;
+
+    /// Throws.
+    VulkanCommands makeCommands() const;
 
     /// Records with `record` (a callable taking `const vk::raii::CommandBuffer&`), submits, and waits until the GPU has
     /// finished. For set-up work and read-back. Throws.
@@ -98,6 +113,10 @@ public:
     std::shared_ptr<VulkanDevice> self() { return std::static_pointer_cast<VulkanDevice>(shared_from_this()); }
 
 private:
+    VulkanDevice(std::shared_ptr<const VulkanInstance> instance, DeviceCandidate candidate,
+                 const std::filesystem::path& pipelineCacheDirectory, LostHandler onLost);
+    static void close(VulkanDevice* device) noexcept;
+
     std::shared_ptr<CommandQueue> makeCommandQueue() override;
     std::shared_ptr<Texture> makeTexture(const TextureDescriptor& descriptor) override;
     std::shared_ptr<Buffer> makeBuffer(std::size_t length) override;
@@ -122,6 +141,7 @@ private:
     vk::raii::Queue _queue;
     std::unique_ptr<VulkanBindings> _bindings;
     std::unique_ptr<VulkanPipelineCache> _pipelineCache;
+    VulkanDevice* _leftOpenBefore = nullptr;  ///< set by `close`
 };
 
 }  // namespace gpu::vulkan

@@ -111,7 +111,10 @@ std::unique_ptr<VulkanPresenter> VulkanPresenter::start(PresentationTarget targe
 }
 
 VulkanPresenter::VulkanPresenter(std::shared_ptr<Work> work)
-    : _work(std::move(work)), _thread([own = _work] { own->run(); }) {}
+    : _work(std::move(work)), _thread([own = _work] {
+          VulkanDevice::leaveOpenOnThisThread();  // left behind, it may be the last to hold one
+          own->run();
+      }) {}
 
 VulkanPresenter::~VulkanPresenter() {
     std::shared_ptr<Drawable> unshown;

@@ -38,30 +38,22 @@ VulkanRenderEncoder::VulkanRenderEncoder(VulkanCommandBuffer& commandBuffer)
       _buffer(commandBuffer),
       _bindings(commandBuffer, vk::PipelineBindPoint::eGraphics) {}
 
-bool VulkanRenderEncoder::begin(const RenderPassDescriptor& descriptor) {
+void VulkanRenderEncoder::begin(const RenderPassDescriptor& descriptor) {
     _bindings.clear();
     _pipelineFits = false;
-    if (!check(takeTargets(descriptor), "a texture attached twice")) {
-        return false;
-    }
+    takeTargets(descriptor);
     bringTargetsFromRest(descriptor);
     beginRendering(descriptor);
-    return true;
 }
 
-bool VulkanRenderEncoder::takeTargets(const RenderPassDescriptor& descriptor) {
+void VulkanRenderEncoder::takeTargets(const RenderPassDescriptor& descriptor) {
     _targetCount = 0;
     for (const ColorAttachment& attachment : descriptor.colorAttachments) {
         if (attachment.texture == nullptr) {
             break;
         }
-        const auto& target = static_cast<const VulkanTexture&>(*attachment.texture);
-        if (isTarget(target)) {
-            return false;
-        }
-        _targets[_targetCount++] = &target;
+        _targets[_targetCount++] = static_cast<const VulkanTexture*>(attachment.texture.get());
     }
-    return true;
 }
 
 void VulkanRenderEncoder::bringTargetsFromRest(const RenderPassDescriptor& descriptor) {
@@ -117,11 +109,9 @@ void VulkanRenderEncoder::encodePipelineState(const std::shared_ptr<RenderPipeli
 }
 
 void VulkanRenderEncoder::encodeVertexBytes(std::span<const std::byte> bytes, std::size_t) {
-    if (!bytes.empty()) {
-        _buffer.commands().pushConstants<std::byte>(_buffer.device().bindings().pipelineLayout(),
-                                                    vk::ShaderStageFlagBits::eVertex, 0,
-                                                    {static_cast<std::uint32_t>(bytes.size()), bytes.data()});
-    }
+    _buffer.commands().pushConstants<std::byte>(_buffer.device().bindings().pipelineLayout(),
+                                                vk::ShaderStageFlagBits::eVertex, 0,
+                                                {static_cast<std::uint32_t>(bytes.size()), bytes.data()});
 }
 
 void VulkanRenderEncoder::encodeFragmentBuffer(const std::shared_ptr<Buffer>& buffer, std::size_t offset,

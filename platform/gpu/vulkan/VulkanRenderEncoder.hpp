@@ -22,8 +22,8 @@ class VulkanRenderEncoder final : public RenderCommandEncoder {
 public:
     explicit VulkanRenderEncoder(VulkanCommandBuffer& commandBuffer);
 
-    /// False, with the reason logged, when one texture is attached twice.
-    bool begin(const RenderPassDescriptor& descriptor);
+    /// The targets have passed the checks of `CommandBuffer`.
+    void begin(const RenderPassDescriptor& descriptor);
 
 private:
     void encodeLabel(std::string_view label) override;
@@ -34,7 +34,7 @@ private:
     void encodeFragmentTexture(const std::shared_ptr<Texture>& texture, std::size_t index) override;
     void encodeDraw(PrimitiveType type, std::size_t vertexStart, std::size_t vertexCount) override;
 
-    bool takeTargets(const RenderPassDescriptor& descriptor);
+    void takeTargets(const RenderPassDescriptor& descriptor);
     void bringTargetsFromRest(const RenderPassDescriptor& descriptor);
     void beginRendering(const RenderPassDescriptor& descriptor);
     bool isTarget(const VulkanTexture& texture) const;

@@ -28,12 +28,6 @@ vk::raii::SurfaceKHR makeSurface(const VulkanDevice& device, const XcbWindow& wi
     return surface;
 }
 
-vk::raii::CommandBuffer makeCommandBuffer(const vk::raii::Device& device, const vk::raii::CommandPool& pool) {
-    return std::move(vk::raii::CommandBuffers(
-        device, vk::CommandBufferAllocateInfo{
-                    .commandPool = *pool, .level = vk::CommandBufferLevel::ePrimary, .commandBufferCount = 1})[0]);
-}
-
 /// Mailbox never blocks and never tears. Fifo is what every device has.
 vk::PresentModeKHR choosePresentMode(const VulkanDevice& device, const vk::raii::SurfaceKHR& surface) {
     const auto offered = device.physicalDevice().getSurfacePresentModesKHR(*surface);
@@ -80,10 +74,7 @@ std::array<vk::Offset3D, 2> corners(vk::Extent2D size) {
 VulkanSwapchain::VulkanSwapchain(std::shared_ptr<VulkanDevice> device, const XcbWindow& window)
     : _device(std::move(device)),
       _surface(makeSurface(*_device, window)),
-      _commandPool(_device->handle(),
-                   vk::CommandPoolCreateInfo{.flags = vk::CommandPoolCreateFlagBits::eResetCommandBuffer,
-                                             .queueFamilyIndex = _device->queueFamily()}),
-      _commands(makeCommandBuffer(_device->handle(), _commandPool)),
+      _commands(_device->makeCommands()),
       _acquired(_device->handle(), vk::FenceCreateInfo{}),
       _copied(_device->handle(), vk::FenceCreateInfo{}),
       _presentMode(choosePresentMode(*_device, _surface)) {}
@@ -173,10 +164,11 @@ std::optional<std::uint32_t> VulkanSwapchain::acquire() {
 }
 
 void VulkanSwapchain::copy(const VulkanTexture& picture, std::uint32_t index) {
-    _commands.begin({.flags = vk::CommandBufferUsageFlagBits::eOneTimeSubmit});
+    _commands.pool.reset();
+    _commands.buffer.begin({.flags = vk::CommandBufferUsageFlagBits::eOneTimeSubmit});
     record(picture, _images[index]);
-    _commands.end();
-    const vk::CommandBufferSubmitInfo commands{.commandBuffer = *_commands};
+    _commands.buffer.end();
+    const vk::CommandBufferSubmitInfo commands{.commandBuffer = *_commands.buffer};
     _device->submit({.commandBufferInfoCount = 1, .pCommandBufferInfos = &commands}, *_copied);
     waitAndReset(_copied);
 }
@@ -185,19 +177,20 @@ void VulkanSwapchain::copy(const VulkanTexture& picture, std::uint32_t index) {
 void VulkanSwapchain::record(const VulkanTexture& picture, vk::Image destination) const {
     constexpr vk::ImageLayout from = vk::ImageLayout::eTransferSrcOptimal;
     constexpr vk::ImageLayout to = vk::ImageLayout::eTransferDstOptimal;
-    recordBarriers(_commands, imageBarrier(destination, use::undefined, use::copyDestination));
+    const vk::raii::CommandBuffer& commands = _commands.buffer;
+    recordBarriers(commands, imageBarrier(destination, use::undefined, use::copyDestination));
     if (picture.extent() == _size && picture.format() == _format.format) {
         const vk::ImageCopy whole{
             .srcSubresource = colorLayers(), .dstSubresource = colorLayers(), .extent = {_size.width, _size.height, 1}};
-        _commands.copyImage(picture.image(), from, destination, to, whole);
+        commands.copyImage(picture.image(), from, destination, to, whole);
     } else {
         const vk::ImageBlit stretched{.srcSubresource = colorLayers(),
                                       .srcOffsets = corners(picture.extent()),
                                       .dstSubresource = colorLayers(),
                                       .dstOffsets = corners(_size)};
-        _commands.blitImage(picture.image(), from, destination, to, stretched, vk::Filter::eLinear);
+        commands.blitImage(picture.image(), from, destination, to, stretched, vk::Filter::eLinear);
     }
-    recordBarriers(_commands, imageBarrier(destination, use::copyDestination, shownInWindow));
+    recordBarriers(commands, imageBarrier(destination, use::copyDestination, shownInWindow));
 }
 
 ShowResult VulkanSwapchain::present(std::uint32_t index) {

@@ -55,8 +55,7 @@ private:
 
     std::shared_ptr<VulkanDevice> _device;
     vk::raii::SurfaceKHR _surface;
-    vk::raii::CommandPool _commandPool;
-    vk::raii::CommandBuffer _commands;
+    VulkanCommands _commands;
     vk::raii::Fence _acquired;
     vk::raii::Fence _copied;
     vk::PresentModeKHR _presentMode;

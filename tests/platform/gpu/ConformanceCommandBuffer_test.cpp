@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <new>
 #include <thread>
 
 using gpu::CommandBufferStatus;
@@ -44,6 +45,37 @@ TEST_P(Conformance, HandlersRunOnceInTheOrderAddedTheScheduledOnesFirst) {
     commit(buffer);
     finish();
     EXPECT_EQ(notes.lines(), (Lines{"scheduled 0", "scheduled 1", "completed 0", "completed 1"}));
+}
+
+TEST_P(Conformance, AHandlerThatThrowsKeepsNoOtherFromRunning) {
+    Notes notes;
+    for (const char* name : {"a", "b"}) {
+        const auto buffer = queue->commandBuffer();
+        buffer->addScheduledHandler([](gpu::CommandBuffer&) { throw std::bad_alloc(); });
+        buffer->addScheduledHandler(
+            [&notes, name](gpu::CommandBuffer&) { notes.add(std::string("scheduled ") + name); });
+        buffer->addCompletedHandler([](gpu::CommandBuffer&) { throw std::bad_alloc(); });
+        buffer->addCompletedHandler(
+            [&notes, name](gpu::CommandBuffer&) { notes.add(std::string("completed ") + name); });
+        commit(buffer);
+    }
+    finish();
+    EXPECT_EQ(notes.lines(), (Lines{"scheduled a", "completed a", "scheduled b", "completed b"}));
+}
+
+TEST_P(Conformance, AnObserverThatThrowsKeepsNoFrameFromCompleting) {
+    class Thrower final : public gpu::FrameObserver {
+        void drawableTaken(const gpu::Drawable&) override {}
+        void frameCommitted(const gpu::Drawable&) override { throw std::bad_alloc(); }
+        void frameScheduled(const gpu::Drawable&) override { throw std::bad_alloc(); }
+        void frameCompleted(const gpu::Drawable&, bool) override { throw std::bad_alloc(); }
+    };
+    const auto layer = makeLayer({4, 4});
+    layer->setFrameObserver(std::make_shared<Thrower>());
+    EXPECT_NE(drawFrame(*layer, {}), nullptr);
+    finish();
+    EXPECT_NE(drawFrame(*layer, {}), nullptr);
+    finish();
 }
 
 TEST_P(Conformance, ABufferIsScheduledWhenItsPredecessorHasCompleted) {

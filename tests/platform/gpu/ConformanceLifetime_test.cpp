@@ -60,12 +60,15 @@ TEST_P(Conformance, AQueueMayGoWithItsWorkInFlight) {
 }
 
 TEST_P(Conformance, ACompletedHandlerMayLetGoOfTheLastReferenceToItsQueue) {
+    const long holdersBefore = device.use_count();
     auto ownQueue = device->newCommandQueue();
-    const auto buffer = ownQueue->commandBuffer();
+    auto buffer = ownQueue->commandBuffer();
     buffer->addCompletedHandler([&ownQueue](gpu::CommandBuffer&) { ownQueue.reset(); });
     commit(buffer);
     finish();
     EXPECT_EQ(ownQueue, nullptr);
+    buffer.reset();
+    EXPECT_TRUE(eventually([&] { return device.use_count() == holdersBefore; })) << "something still holds the device";
 }
 
 TEST_P(Conformance, ABufferThatIsNotCommittedRunsNothing) {

@@ -1,5 +1,6 @@
 #include "tests/platform/gpu/VulkanDrawing.hpp"
 
+#include "platform/SystemLog.hpp"
 #include "tests/support/TemporaryDirectory.hpp"
 
 #include <fstream>
@@ -52,6 +53,18 @@ TEST_P(VulkanDrawing, AFunctionKeepsItsLibraryAndAPipelineItsFunctions) {
     encoder->drawPrimitives(PrimitiveType::TriangleStrip, 0, 4);
     commit(buffer);
     EXPECT_EQ(readBack(target), bytesOf({128, 128, 0, 255}));
+}
+
+TEST_P(VulkanDrawing, WhyALibraryCannotBeOpenedIsToldOnce) {
+    std::vector<std::string> log;
+    platform::setSystemLogSink([&log](std::string_view line) { log.emplace_back(line); });
+    const fake::TemporaryDirectory directory;
+    const auto missing = directory.path() / "missing.metallib";
+    EXPECT_EQ(device->newLibrary(missing), nullptr);
+    EXPECT_EQ(device->newLibrary(missing), nullptr);
+    platform::setSystemLogSink([](std::string_view) {});
+    ASSERT_EQ(log.size(), 1u);
+    EXPECT_NE(log[0].find(missing.string()), std::string::npos) << log[0];
 }
 
 TEST_P(VulkanDrawing, DamagedLibrariesAreNotOpened) {

@@ -176,11 +176,12 @@ TEST(SpirvModule, ReadsAFile) {
 }
 
 TEST(SpirvModule, SaysWhyAFileCannotBeRead) {
+    const std::string noFile = std::make_error_code(std::errc::no_such_file_or_directory).message();
     std::string reason;
     EXPECT_FALSE(SpirvModule::readFile("/nonexistent/library", reason).has_value());
-    EXPECT_EQ(reason, "no such file");
+    EXPECT_EQ(reason, noFile);
     EXPECT_FALSE(SpirvModule::readFile(std::filesystem::temp_directory_path(), reason).has_value());
-    EXPECT_EQ(reason, "no such file");
+    EXPECT_EQ(reason, noFile);
     const TemporaryFile empty{std::span<const std::byte>()};
     EXPECT_FALSE(SpirvModule::readFile(empty.path(), reason).has_value());
     EXPECT_FALSE(reason.empty());

@@ -73,35 +73,6 @@ protected:
     std::filesystem::path _directory;
 };
 
-TEST_F(VulkanFiles, FunctionsAreFoundByNameAndStage) {
-    const auto functions = _device->newLibrary(library());
-    ASSERT_NE(functions, nullptr);
-    const auto corner = functions->newFunction("Corner", gpu::FunctionType::Vertex);
-    ASSERT_NE(corner, nullptr);
-    EXPECT_EQ(corner->name(), "Corner");
-    EXPECT_EQ(corner->functionType(), gpu::FunctionType::Vertex);
-    EXPECT_EQ(functions->newFunction("Corner", gpu::FunctionType::Fragment), nullptr);
-    EXPECT_EQ(functions->newFunction("Count", gpu::FunctionType::Vertex), nullptr);
-    EXPECT_NE(functions->newFunction("Count", gpu::FunctionType::Kernel), nullptr);
-    EXPECT_EQ(functions->newFunction("", gpu::FunctionType::Vertex), nullptr);
-}
-
-TEST_F(VulkanFiles, AFunctionKeepsItsLibraryAlive) {
-    const auto function = _device->newLibrary(library())->newFunction("Count", gpu::FunctionType::Kernel);
-    EXPECT_NE(_device->newComputePipelineState(function), nullptr);
-}
-
-TEST_F(VulkanFiles, ADamagedOrMissingLibraryIsRefusedAndTold) {
-    EXPECT_EQ(_device->newLibrary(_directory / "missing"), nullptr);
-    EXPECT_EQ(takeLog().size(), 1U);
-    std::string bytes = read(library());
-    write(library(), bytes.substr(0, bytes.size() - 8));
-    EXPECT_EQ(_device->newLibrary(library()), nullptr);
-    EXPECT_EQ(takeLog().size(), 1U);
-    EXPECT_EQ(_device->newLibrary(library()), nullptr);
-    EXPECT_EQ(takeLog().size(), 0U);
-}
-
 TEST_F(VulkanFiles, PipelinesAreKeptInOneFileForTheDriver) {
     ASSERT_TRUE(buildPipeline());
     const std::vector<std::filesystem::path> files = cacheFiles();
