@@ -3,6 +3,7 @@
 #include "tests/platform/gpu/VulkanBackendUnderTest.hpp"
 #include "tests/support/KeptLibraries.hpp"
 
+#include <future>
 #include <utility>
 
 namespace {
@@ -41,9 +42,12 @@ TEST(VulkanLifetime, ADeviceLetGoOfByItsCompletionThreadIsLeftOpen) {
     const std::weak_ptr<int> instance = token;
     Opened opened = openDevice(std::exchange(token, nullptr));
     const std::weak_ptr<gpu::Device> device = opened.device;
+    std::promise<void> letGo;  // by this thread, so that the other one is the last
     auto buffer = opened.queue->commandBuffer();
-    buffer->addCompletedHandler([own = std::move(opened)](gpu::CommandBuffer&) {});
+    buffer->addCompletedHandler(
+        [own = std::move(opened), letGo = letGo.get_future()](gpu::CommandBuffer&) { letGo.wait(); });
     std::exchange(buffer, nullptr)->commit();
+    letGo.set_value();
     EXPECT_TRUE(eventually([&device] { return device.expired(); }));
     EXPECT_FALSE(instance.expired()) << "the driver went while its thread was still there";
 }
