@@ -107,12 +107,13 @@ std::optional<std::string> checkBeforeStart(const HeadlessOptions& options, cons
         (options.width > device->maximumTextureSize() || options.height > device->maximumTextureSize())) {
         return device->name() + " draws at most " + std::to_string(device->maximumTextureSize()) + " pixels each way";
     }
-    if (options.statisticsFile) {
-        if (auto failure = checkWritable(options.statisticsFile->parent_path())) {
+    if (options.outputDirectory) {
+        if (auto failure = prepareDirectory(*options.outputDirectory)) {
             return failure;
         }
     }
-    return options.outputDirectory ? prepareDirectory(*options.outputDirectory) : std::nullopt;
+    // After that: the report may go among the pictures.
+    return options.statisticsFile ? checkWritable(options.statisticsFile->parent_path()) : std::nullopt;
 }
 
 /// What the drawing threads tell the waiting main thread.

@@ -131,6 +131,13 @@ TEST_F(Headless, ReportsWhatItMeasured) {
     }
 }
 
+TEST_F(Headless, TheReportMayGoAmongThePictures) {
+    const ProcessEnd end =
+        runCirrane(command({"--output", out().string(), "--stats", (out() / "stats.json").string()}), noDisplay);
+    EXPECT_EQ(end.exitStatus, 0) << end.standardError;
+    EXPECT_TRUE(fs::exists(out() / "stats.json"));
+}
+
 TEST_F(Headless, InRealTimeKeepsToTheRateOfItsDisplay) {
     const fs::path file = _directory.path() / "stats.json";
     const ProcessEnd end =
