@@ -87,7 +87,7 @@ public:
     std::shared_ptr<Drawable> nextDrawable();
 
     /// Shows finished frames in this window from now on. Returns when the former window is no longer used, so that the
-    /// caller may destroy it.
+    /// caller may destroy it. Letting go of the layer is no substitute: a frame in flight may hold it a while longer.
     void setPresentationTarget(PresentationTarget target);
 
     /// Null takes the observer away; once this returns no call of the former one is running.

@@ -162,9 +162,11 @@ TEST_F(Presentation, ALayerMayGoWhileFramesAreInFlight) {
         for (int frame = 0; frame < 3; ++frame) {
             ASSERT_TRUE(drawFrame(red));
         }
+        const std::weak_ptr<gpu::Layer> former = _layer;
         _layer = _backend->newLayer();
         _layer->setDevice(_device);
         _layer->setDrawableSize(defaultSize);
+        EXPECT_TRUE(eventually([&] { return former.expired(); }));  // only then is its window free to go
     }
 }
 
