@@ -22,15 +22,8 @@ void CommandEncoder::endEncoding() {
     }
 }
 
-bool CommandEncoder::checkOpen(const char* operation) const {
-    return check(_open, operation);
-}
-
-bool CommandEncoder::check(bool condition, const char* message) const {
-    if (!condition) {
-        platform::systemLog(std::string("gpu: refused: ") + message);
-    }
-    return condition;
+void CommandEncoder::refuse(const char* message) {
+    platform::systemLog(std::string("gpu: refused: ") + message);
 }
 
 void CommandEncoder::keep(std::shared_ptr<const void> object) {

@@ -27,14 +27,21 @@ public:
 protected:
     explicit CommandEncoder(CommandBuffer& commandBuffer) : _commandBuffer(commandBuffer) {}
     CommandBuffer& commandBuffer() { return _commandBuffer; }
-    bool checkOpen(const char* operation) const;
-    bool check(bool condition, const char* message) const;
+    bool checkOpen(const char* operation) const { return check(_open, operation); }
+    /// The condition; when it does not hold, the message is logged.
+    bool check(bool condition, const char* message) const {
+        if (!condition) {
+            refuse(message);
+        }
+        return condition;
+    }
     void keep(std::shared_ptr<const void> object);
 
 private:
     friend class CommandBuffer;
     virtual void encodeLabel(std::string_view label) = 0;
     virtual void encodeEnd() = 0;
+    static void refuse(const char* message);
 
     CommandBuffer& _commandBuffer;
     bool _open = false;

@@ -44,7 +44,7 @@ DrawableRing::DrawableRing(std::shared_ptr<VulkanDevice> device, PixelFormat for
     _images.reserve(maximumImages);
 }
 
-bool DrawableRing::holds(const VulkanDevice& device, PixelFormat format, Extent size, bool framebufferOnly) const {
+bool DrawableRing::holds(const Device& device, PixelFormat format, Extent size, bool framebufferOnly) const {
     return _device.get() == &device && _format == format && _size == size && _framebufferOnly == framebufferOnly;
 }
 

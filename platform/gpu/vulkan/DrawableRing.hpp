@@ -26,7 +26,7 @@ public:
 
     DrawableRing(std::shared_ptr<VulkanDevice> device, PixelFormat format, Extent size, bool framebufferOnly);
 
-    bool holds(const VulkanDevice& device, PixelFormat format, Extent size, bool framebufferOnly) const;
+    bool holds(const Device& device, PixelFormat format, Extent size, bool framebufferOnly) const;
 
     /// A drawable of a free image, or null when there is none.
     std::shared_ptr<Drawable> take(std::weak_ptr<Layer> layer, std::uint64_t identifier) noexcept;

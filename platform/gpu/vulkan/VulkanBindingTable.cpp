@@ -7,13 +7,14 @@
 #include <algorithm>
 #include <cstdint>
 #include <type_traits>
+#include <utility>
 
 namespace gpu::vulkan {
 
 template <typename Info>
-void VulkanBindingTable::Slots<Info>::set(std::size_t index, const Info& info) {
+void VulkanBindingTable::Slots<Info>::set(std::size_t index, const Info& info, DescriptorContents::Binding binding) {
     infos[index] = info;
-    used[index] = true;
+    contents.bindings[index] = binding;
     changed = true;
 }
 
@@ -21,46 +22,56 @@ void VulkanBindingTable::clear() {
     _buffers = {};
     _textures = {};
     _storageTextures = {};
-    _samplersBound = false;
+    _samplersChosen = false;
+    _chosen = {};
 }
 
 void VulkanBindingTable::setBuffer(const VulkanBuffer& buffer, std::size_t offset, std::size_t index) {
     const vk::DeviceSize limit = _commandBuffer.device().properties().limits.maxUniformBufferRange;
-    _buffers.set(index, {.buffer = buffer.buffer(),
-                         .offset = offset,
-                         .range = std::min<vk::DeviceSize>(buffer.length() - offset, limit)});
+    const vk::DeviceSize range = std::min<vk::DeviceSize>(buffer.length() - offset, limit);
+    _buffers.set(index, {.buffer = buffer.buffer(), .offset = offset, .range = range}, {buffer.serial(), offset});
 }
 
 void VulkanBindingTable::setTexture(const VulkanTexture& texture, std::size_t index) {
-    _textures.set(index, {.imageView = texture.view(), .imageLayout = texture.rest().layout});
+    _textures.set(index, {.imageView = texture.view(), .imageLayout = texture.rest().layout}, {texture.serial()});
 }
 
 void VulkanBindingTable::setStorageTexture(const VulkanTexture& texture, std::size_t index) {
-    _storageTextures.set(index, {.imageView = texture.view(), .imageLayout = texture.rest().layout});
+    _storageTextures.set(index, {.imageView = texture.view(), .imageLayout = texture.rest().layout},
+                         {texture.serial()});
 }
 
 void VulkanBindingTable::bind() {
-    if (!_samplersBound) {
-        bindSet(VulkanBindings::samplers, _commandBuffer.device().bindings().samplerSet());
-        _samplersBound = true;
+    chooseSet(_buffers, VulkanBindings::buffers, vk::DescriptorType::eUniformBuffer);
+    chooseSet(_textures, VulkanBindings::textures, vk::DescriptorType::eSampledImage);
+    chooseSet(_storageTextures, VulkanBindings::storageTextures, vk::DescriptorType::eStorageImage);
+    if (!std::exchange(_samplersChosen, true)) {
+        chooseSet(VulkanBindings::samplers, _commandBuffer.device().bindings().samplerSet());
     }
-    bindChanged(_buffers, VulkanBindings::buffers, vk::DescriptorType::eUniformBuffer);
-    bindChanged(_textures, VulkanBindings::textures, vk::DescriptorType::eSampledImage);
-    bindChanged(_storageTextures, VulkanBindings::storageTextures, vk::DescriptorType::eStorageImage);
+    bindChosen();
 }
 
 template <typename Info>
-void VulkanBindingTable::bindChanged(Slots<Info>& slots, VulkanBindings::Set set, vk::DescriptorType type) {
+void VulkanBindingTable::chooseSet(Slots<Info>& slots, VulkanBindings::Set kind, vk::DescriptorType type) {
     if (!slots.changed) {
         return;
     }
-    const vk::DescriptorSet descriptors = _commandBuffer.descriptors().allocate(set);
+    const DescriptorSets::Found found = _commandBuffer.descriptors().find(kind, slots.contents);
+    if (!found.isWritten) {
+        write(found.handle, slots, type);
+    }
+    chooseSet(kind, found.handle);
+    slots.changed = false;
+}
+
+template <typename Info>
+void VulkanBindingTable::write(vk::DescriptorSet set, const Slots<Info>& slots, vk::DescriptorType type) const {
     std::array<vk::WriteDescriptorSet, count> writes;
     std::uint32_t written = 0;
     for (std::uint32_t i = 0; i < count; ++i) {
-        if (slots.used[i]) {
+        if (slots.contents.bindings[i].resource != 0) {
             vk::WriteDescriptorSet& write = writes[written++];
-            write = {.dstSet = descriptors, .dstBinding = i, .descriptorCount = 1, .descriptorType = type};
+            write = {.dstSet = set, .dstBinding = i, .descriptorCount = 1, .descriptorType = type};
             if constexpr (std::is_same_v<Info, vk::DescriptorBufferInfo>) {
                 write.pBufferInfo = &slots.infos[i];
             } else {
@@ -69,13 +80,24 @@ void VulkanBindingTable::bindChanged(Slots<Info>& slots, VulkanBindings::Set set
         }
     }
     _commandBuffer.device().handle().updateDescriptorSets(vk::ArrayProxy(written, writes.data()), {});
-    bindSet(set, descriptors);
-    slots.changed = false;
 }
 
-void VulkanBindingTable::bindSet(VulkanBindings::Set set, vk::DescriptorSet descriptors) {
-    _commandBuffer.commands().bindDescriptorSets(_bindPoint, _commandBuffer.device().bindings().pipelineLayout(), set,
-                                                 descriptors, {});
+void VulkanBindingTable::chooseSet(VulkanBindings::Set kind, vk::DescriptorSet set) {
+    _sets[kind] = set;
+    _chosen[kind] = true;
+}
+
+/// Neighbours go in one call.
+void VulkanBindingTable::bindChosen() {
+    const auto end = _chosen.end();
+    for (auto first = std::find(_chosen.begin(), end, true); first != end; first = std::find(first, end, true)) {
+        const auto last = std::find(first, end, false);
+        const auto set = static_cast<std::uint32_t>(first - _chosen.begin());
+        _commandBuffer.commands().bindDescriptorSets(
+            _bindPoint, _commandBuffer.device().bindings().pipelineLayout(), set,
+            vk::ArrayProxy<const vk::DescriptorSet>(static_cast<std::uint32_t>(last - first), &_sets[set]), {});
+        std::fill(first, last, false);
+    }
 }
 
 }  // namespace gpu::vulkan

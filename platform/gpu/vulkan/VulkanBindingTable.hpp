@@ -34,22 +34,27 @@ private:
     template <typename Info>
     struct Slots {
         std::array<Info, count> infos{};
-        std::array<bool, count> used{};
+        DescriptorContents contents;
         bool changed = false;
 
-        void set(std::size_t index, const Info& info);
+        void set(std::size_t index, const Info& info, DescriptorContents::Binding binding);
     };
 
     template <typename Info>
-    void bindChanged(Slots<Info>& slots, VulkanBindings::Set set, vk::DescriptorType type);
-    void bindSet(VulkanBindings::Set set, vk::DescriptorSet descriptors);
+    void chooseSet(Slots<Info>& slots, VulkanBindings::Set kind, vk::DescriptorType type);
+    template <typename Info>
+    void write(vk::DescriptorSet set, const Slots<Info>& slots, vk::DescriptorType type) const;
+    void chooseSet(VulkanBindings::Set kind, vk::DescriptorSet set);
+    void bindChosen();
 
     VulkanCommandBuffer& _commandBuffer;
     vk::PipelineBindPoint _bindPoint;
     Slots<vk::DescriptorBufferInfo> _buffers;
     Slots<vk::DescriptorImageInfo> _textures;
     Slots<vk::DescriptorImageInfo> _storageTextures;
-    bool _samplersBound = false;
+    bool _samplersChosen = false;
+    std::array<vk::DescriptorSet, VulkanBindings::setCount> _sets;
+    std::array<bool, VulkanBindings::setCount> _chosen{};  ///< and not yet bound
 };
 
 }  // namespace gpu::vulkan

@@ -1,12 +1,11 @@
 #include "platform/gpu/vulkan/VulkanBindings.hpp"
 
-#include "platform/gpu/CommandEncoder.hpp"
-
 namespace gpu::vulkan {
 namespace {
 
 constexpr std::uint32_t bindingsPerSet = RenderCommandEncoder::maximumBindings;
 constexpr std::uint32_t setsPerPool = 64;
+constexpr std::size_t keptSets = 48;  // frames in flight times passes times kinds of sets, with room
 
 vk::raii::Sampler makeSampler(const vk::raii::Device& device, vk::SamplerAddressMode addressMode) {
     return {device, vk::SamplerCreateInfo{.magFilter = vk::Filter::eLinear,
@@ -103,33 +102,42 @@ VulkanBindings::VulkanBindings(const vk::raii::Device& device)
       _samplerPool(makeSamplerPool(device)),
       _samplerSets(makeSamplerSets(device, _samplerPool, _setLayouts[samplers])) {}
 
-DescriptorAllocator::DescriptorAllocator(const vk::raii::Device& device, const VulkanBindings& bindings)
-    : _device(device), _bindings(bindings) {}
+DescriptorSets::DescriptorSets(const vk::raii::Device& device, const VulkanBindings& bindings)
+    : _device(device), _bindings(bindings) {
+    _entries.reserve(setsPerPool);
+}
 
-vk::DescriptorSet DescriptorAllocator::allocate(VulkanBindings::Set set) {
-    if (_setsLeft == 0) {
-        if (_poolInUse == _pools.size()) {
-            _pools.push_back(makePassPool(_device));
+DescriptorSets::Found DescriptorSets::find(VulkanBindings::Set kind, const DescriptorContents& contents) {
+    for (const Entry& entry : _entries) {
+        if (entry.kind == kind && entry.contents == contents) {
+            return {entry.handle, true};
         }
-        ++_poolInUse;
-        _setsLeft = setsPerPool;
     }
-    const vk::DescriptorSetLayout layout = _bindings.setLayout(set);
+    _entries.push_back({kind, contents, allocate(kind)});
+    return {_entries.back().handle, false};
+}
+
+vk::DescriptorSet DescriptorSets::allocate(VulkanBindings::Set kind) {
+    if (_entries.size() == _pools.size() * setsPerPool) {
+        _pools.push_back(makePassPool(_device));
+    }
+    const vk::DescriptorSetLayout layout = _bindings.setLayout(kind);
     const vk::DescriptorSetAllocateInfo info{
-        .descriptorPool = *_pools[_poolInUse - 1], .descriptorSetCount = 1, .pSetLayouts = &layout};
+        .descriptorPool = *_pools[_entries.size() / setsPerPool], .descriptorSetCount = 1, .pSetLayouts = &layout};
     vk::DescriptorSet allocated;
     vk::resultCheck((*_device).allocateDescriptorSets(&info, &allocated, *_device.getDispatcher()),
                     "vkAllocateDescriptorSets");
-    --_setsLeft;
     return allocated;
 }
 
-void DescriptorAllocator::reset() {
+void DescriptorSets::recycle() {
+    if (_entries.size() <= keptSets) {
+        return;
+    }
     for (const vk::raii::DescriptorPool& pool : _pools) {
         pool.reset();
     }
-    _poolInUse = 0;
-    _setsLeft = 0;
+    _entries.clear();
 }
 
 }  // namespace gpu::vulkan

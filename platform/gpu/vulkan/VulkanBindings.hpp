@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/gpu/CommandEncoder.hpp"
 #include "platform/gpu/vulkan/Vulkan.hpp"
 
 #include <array>
@@ -32,22 +33,45 @@ private:
     vk::raii::DescriptorSets _samplerSets;
 };
 
-/// Hands out descriptor sets for the passes of one command buffer and takes all back at once. One thread at a time.
-class DescriptorAllocator {
-public:
-    DescriptorAllocator(const vk::raii::Device& device, const VulkanBindings& bindings);
+/// What a descriptor set holds, binding by binding. Resources are told apart by serial numbers, as handles come again.
+struct DescriptorContents {
+    struct Binding {
+        std::uint64_t resource = 0;  ///< its serial number; 0 for an empty binding
+        std::uint64_t offset = 0;
+        bool operator==(const Binding&) const = default;
+    };
+    std::array<Binding, RenderCommandEncoder::maximumBindings> bindings{};
+    bool operator==(const DescriptorContents&) const = default;
+};
 
-    /// A set to be written. Valid until `reset`. Throws.
-    vk::DescriptorSet allocate(VulkanBindings::Set set);
-    /// The GPU must have finished with all sets. The memory stays.
-    void reset();
+/// The descriptor sets of the passes of one command buffer. Frames that bind what earlier ones have bound get their
+/// sets as they were written then. One thread at a time.
+class DescriptorSets {
+public:
+    DescriptorSets(const vk::raii::Device& device, const VulkanBindings& bindings);
+
+    struct Found {
+        vk::DescriptorSet handle;
+        bool isWritten = false;  ///< otherwise the caller writes it
+    };
+    /// The set of that kind and contents; valid until `recycle`. Throws.
+    Found find(VulkanBindings::Set kind, const DescriptorContents& contents);
+    /// Gives up the sets, or keeps them for coming passes while they are few. The GPU must have finished with them all.
+    void recycle();
 
 private:
+    struct Entry {
+        VulkanBindings::Set kind;
+        DescriptorContents contents;
+        vk::DescriptorSet handle;
+    };
+
+    vk::DescriptorSet allocate(VulkanBindings::Set kind);
+
     const vk::raii::Device& _device;
     const VulkanBindings& _bindings;
     std::vector<vk::raii::DescriptorPool> _pools;
-    std::size_t _poolInUse = 0;
-    std::uint32_t _setsLeft = 0;
+    std::vector<Entry> _entries;
 };
 
 }  // namespace gpu::vulkan

@@ -10,6 +10,7 @@ VulkanCommandBuffer::VulkanCommandBuffer(std::shared_ptr<VulkanDevice> device,
       _submissions(std::move(submissions)),
       _commands(_device->makeCommands()),
       _descriptors(_device->handle(), _device->bindings()),
+      _barriers(_commands.buffer),
       _renderEncoder(*this),
       _computeEncoder(*this),
       _blitEncoder(*this) {}
@@ -18,7 +19,8 @@ void VulkanCommandBuffer::begin() {
     prepareForReuse();
     _timelineValue.store(0, std::memory_order_release);
     _hasLabel = false;
-    _descriptors.reset();
+    _topology.reset();
+    _descriptors.recycle();
     _commands.pool.reset();
     commands().begin({.flags = vk::CommandBufferUsageFlagBits::eOneTimeSubmit});
 }
@@ -33,16 +35,19 @@ ComputeCommandEncoder* VulkanCommandBuffer::beginComputePass() {
     if (!_device->hasAllFeatures()) {
         return nullptr;
     }
+    _barriers.record();
     _computeEncoder.begin();
     return &_computeEncoder;
 }
 
 BlitCommandEncoder* VulkanCommandBuffer::beginBlitPass() {
+    _barriers.record();
     return &_blitEncoder;
 }
 
 void VulkanCommandBuffer::submit() {
     const bool recorded = _device->attempt("a command buffer could not be recorded", [this] {
+        _barriers.record();
         commands().end();
         return true;
     });
@@ -67,8 +72,15 @@ void VulkanCommandBuffer::waitForGpu() {
     }
 }
 
+void VulkanCommandBuffer::setTopology(vk::PrimitiveTopology topology) {
+    if (_topology != topology) {
+        commands().setPrimitiveTopology(topology);
+        _topology = topology;
+    }
+}
+
 void VulkanCommandBuffer::beginLabel(std::string_view label) {
-    if (_device->instance().hasDebugNames()) {
+    if (_device->hasDebugLabels()) {
         endLabel();
         _label = label;
         commands().beginDebugUtilsLabelEXT({.pLabelName = _label.c_str()});

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/gpu/CommandBuffer.hpp"
+#include "platform/gpu/vulkan/PendingBarriers.hpp"
 #include "platform/gpu/vulkan/Vulkan.hpp"
 #include "platform/gpu/vulkan/VulkanBindings.hpp"
 #include "platform/gpu/vulkan/VulkanBlitEncoder.hpp"
@@ -12,6 +13,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -29,7 +31,10 @@ public:
 
     VulkanDevice& device() const { return *_device; }
     const vk::raii::CommandBuffer& commands() const { return _commands.buffer; }
-    DescriptorAllocator& descriptors() { return _descriptors; }
+    DescriptorSets& descriptors() { return _descriptors; }
+    PendingBarriers& barriers() { return _barriers; }
+    /// Draws from now on in that way.
+    void setTopology(vk::PrimitiveTopology topology);
 
     /// Names what is recorded until `endLabel`. A second label replaces the first.
     void beginLabel(std::string_view label);
@@ -49,7 +54,9 @@ private:
     const std::shared_ptr<VulkanDevice> _device;
     const std::weak_ptr<VulkanSubmissions> _submissions;
     VulkanCommands _commands;
-    DescriptorAllocator _descriptors;
+    DescriptorSets _descriptors;
+    PendingBarriers _barriers;
+    std::optional<vk::PrimitiveTopology> _topology;
     VulkanRenderEncoder _renderEncoder;
     VulkanComputeEncoder _computeEncoder;
     VulkanBlitEncoder _blitEncoder;

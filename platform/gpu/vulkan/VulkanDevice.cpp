@@ -36,6 +36,17 @@ vk::raii::Device openDevice(const DeviceCandidate& candidate) {
 
 thread_local bool leavesDevicesOpen = false;
 
+/// Asks for tools that are in force, such as a frame debugger or the validation layer.
+bool showsDebugLabels(const DeviceCandidate& candidate) {
+    if (!candidate.hasAllFeatures) {
+        return false;  // perhaps too old to be asked
+    }
+    const auto tools = candidate.device.getToolProperties();
+    return std::any_of(tools.begin(), tools.end(), [](const vk::PhysicalDeviceToolProperties& tool) {
+        return static_cast<bool>(tool.purposes & vk::ToolPurposeFlagBits::eDebugMarkersEXT);
+    });
+}
+
 }  // namespace
 
 std::shared_ptr<VulkanDevice> VulkanDevice::open(std::shared_ptr<const VulkanInstance> instance,
@@ -65,12 +76,18 @@ VulkanDevice::VulkanDevice(std::shared_ptr<const VulkanInstance> instance, Devic
                            const std::filesystem::path& pipelineCacheDirectory, LostHandler onLost)
     : _instance(std::move(instance)),
       _candidate(std::move(candidate)),
+      _hasDebugLabels(_instance->hasDebugNames() && showsDebugLabels(_candidate)),
       _memoryProperties(_candidate.device.getMemoryProperties()),
       _onLost(std::move(onLost)),
       _device(openDevice(_candidate)),
       _queue(_device, _candidate.queueFamily, 0),
       _bindings(std::make_unique<VulkanBindings>(_device)),
       _pipelineCache(std::make_unique<VulkanPipelineCache>(_device, _candidate.properties, pipelineCacheDirectory)) {}
+
+std::uint64_t nextResourceSerial() noexcept {
+    static std::atomic<std::uint64_t> last{0};
+    return last.fetch_add(1, std::memory_order_relaxed) + 1;
+}
 
 VulkanDevice::~VulkanDevice() {
     waitIdle();

@@ -23,6 +23,9 @@ class VulkanBindings;
 class VulkanPipelineCache;
 class VulkanTexture;
 
+/// A number that no resource had before. Any thread.
+std::uint64_t nextResourceSerial() noexcept;
+
 /// A command buffer and the pool that is its memory. Reset the pool to record anew.
 struct VulkanCommands {
     vk::raii::CommandPool pool;
@@ -58,6 +61,8 @@ public:
     const vk::raii::Device& handle() const { return _device; }
     std::uint32_t queueFamily() const { return _candidate.queueFamily; }
     bool hasSwapchain() const { return _candidate.hasSwapchain; }
+    /// True when a tool is there that shows the labels of passes.
+    bool hasDebugLabels() const { return _hasDebugLabels; }
     const VulkanBindings& bindings() const { return *_bindings; }
     VulkanPipelineCache& pipelineCache() const { return *_pipelineCache; }
 
@@ -131,6 +136,7 @@ private:
 
     std::shared_ptr<const VulkanInstance> _instance;
     DeviceCandidate _candidate;
+    bool _hasDebugLabels;
     vk::PhysicalDeviceMemoryProperties _memoryProperties;
     LostHandler _onLost;
     std::atomic<bool> _lost{false};

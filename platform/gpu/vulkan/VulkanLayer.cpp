@@ -44,14 +44,14 @@ std::shared_ptr<Drawable> VulkanLayer::makeDrawable(const Configuration& configu
 /// Takes up the wanted size and format. On a lost device there can be no new images, and frames fail anyway: there the
 /// former ones go on serving, so that the frame loop keeps its slots.
 void VulkanLayer::chooseRing(const Configuration& configuration) {
+    if (_ring != nullptr && _ring->holds(*configuration.device, configuration.pixelFormat, configuration.drawableSize,
+                                         configuration.framebufferOnly)) {
+        return;
+    }
     const auto device = std::dynamic_pointer_cast<VulkanDevice>(configuration.device);
     if (device == nullptr) {
         _ring.reset();
-        return;
-    }
-    const bool fits = _ring != nullptr && _ring->holds(*device, configuration.pixelFormat, configuration.drawableSize,
-                                                       configuration.framebufferOnly);
-    if (!fits && (_ring == nullptr || !device->isLost())) {
+    } else if (_ring == nullptr || !device->isLost()) {
         _ring = std::make_shared<DrawableRing>(device, configuration.pixelFormat, configuration.drawableSize,
                                                configuration.framebufferOnly);
     }

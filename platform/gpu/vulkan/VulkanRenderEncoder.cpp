@@ -57,12 +57,11 @@ void VulkanRenderEncoder::takeTargets(const RenderPassDescriptor& descriptor) {
 }
 
 void VulkanRenderEncoder::bringTargetsFromRest(const RenderPassDescriptor& descriptor) {
-    std::array<vk::ImageMemoryBarrier2, maximumTargets> barriers;
     for (std::size_t i = 0; i < _targetCount; ++i) {
-        barriers[i] = imageBarrier(_targets[i]->image(),
-                                   origin(*_targets[i], descriptor.colorAttachments[i].loadAction), use::colorTarget);
+        const ImageUse from = origin(*_targets[i], descriptor.colorAttachments[i].loadAction);
+        _buffer.barriers().add(imageBarrier(_targets[i]->image(), from, use::colorTarget));
     }
-    recordBarriers(_buffer.commands(), {static_cast<std::uint32_t>(_targetCount), barriers.data()});
+    _buffer.barriers().record();
 }
 
 void VulkanRenderEncoder::beginRendering(const RenderPassDescriptor& descriptor) {
@@ -89,11 +88,9 @@ void VulkanRenderEncoder::beginRendering(const RenderPassDescriptor& descriptor)
 void VulkanRenderEncoder::encodeEnd() {
     _buffer.endLabel();
     _buffer.commands().endRendering();
-    std::array<vk::ImageMemoryBarrier2, maximumTargets> barriers;
-    std::transform(targets().begin(), targets().end(), barriers.begin(), [](const VulkanTexture* target) {
-        return imageBarrier(target->image(), use::colorTarget, target->rest());
-    });
-    recordBarriers(_buffer.commands(), {static_cast<std::uint32_t>(_targetCount), barriers.data()});
+    for (const VulkanTexture* const target : targets()) {
+        _buffer.barriers().add(imageBarrier(target->image(), use::colorTarget, target->rest()));
+    }
 }
 
 void VulkanRenderEncoder::encodeLabel(std::string_view label) {
@@ -135,7 +132,7 @@ void VulkanRenderEncoder::encodeDraw(PrimitiveType type, std::size_t vertexStart
     }
     _buffer.device().attempt("a draw could not be encoded", [&] {
         _bindings.bind();
-        _buffer.commands().setPrimitiveTopology(toVulkan(type));
+        _buffer.setTopology(toVulkan(type));
         _buffer.commands().draw(static_cast<std::uint32_t>(vertexCount), 1, static_cast<std::uint32_t>(vertexStart), 0);
         return true;
     });

@@ -5,6 +5,7 @@
 #include "platform/gpu/vulkan/VulkanDevice.hpp"
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <span>
 
@@ -38,6 +39,8 @@ public:
     VulkanTexture(const std::shared_ptr<VulkanDevice>& device, const TextureDescriptor& descriptor,
                   TexturePurpose purpose, bool framebufferOnly);
 
+    /// Never that of another resource of the process.
+    std::uint64_t serial() const { return _serial; }
     vk::Image image() const { return *_image; }
     vk::ImageView view() const { return *_view; }
     vk::Format format() const { return _format; }
@@ -51,6 +54,7 @@ private:
     void labelDidChange() override;
     void clear();
 
+    const std::uint64_t _serial = nextResourceSerial();
     vk::Format _format;
     const ImageUse& _rest;
     vk::raii::DeviceMemory _memory = nullptr;

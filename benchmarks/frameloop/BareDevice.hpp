@@ -1,0 +1,64 @@
+#pragma once
+
+#include "benchmarks/frameloop/Loop.hpp"
+#include "platform/gpu/vulkan/Vulkan.hpp"
+
+#include <cstddef>
+#include <functional>
+#include <string>
+
+namespace bench {
+
+struct BareImage {
+    vk::raii::DeviceMemory memory = nullptr;
+    vk::raii::Image image = nullptr;
+    vk::raii::ImageView view = nullptr;
+};
+
+/// Memory that the CPU writes and reads in place.
+struct BareBuffer {
+    vk::raii::DeviceMemory memory = nullptr;
+    vk::raii::Buffer buffer = nullptr;
+    std::byte* contents = nullptr;
+};
+
+/// A Vulkan device with one queue, as plain as can be. Throws what Vulkan-Hpp throws.
+class BareDevice {
+public:
+    /// The device of that name; the first for an empty one.
+    explicit BareDevice(const std::string& name);
+
+    const vk::raii::Device& handle() const { return _device; }
+    const vk::raii::Queue& queue() const { return _queue; }
+    std::uint32_t queueFamily() const { return _queueFamily; }
+
+    BareImage makeImage(vk::Format format, Size size, vk::ImageUsageFlags usage) const;
+    BareBuffer makeBuffer(std::size_t length, vk::BufferUsageFlags usage) const;
+    void runAndWait(const std::function<void(const vk::raii::CommandBuffer&)>& record) const;
+
+private:
+    vk::raii::DeviceMemory allocate(const vk::MemoryRequirements& requirements, vk::MemoryPropertyFlags wanted) const;
+
+    vk::raii::Context _context;
+    vk::raii::Instance _instance;
+    vk::raii::PhysicalDevice _physicalDevice;
+    std::uint32_t _queueFamily = 0;
+    vk::raii::Device _device;
+    vk::raii::Queue _queue;
+};
+
+/// How an image is used, for barriers.
+struct BareUse {
+    vk::ImageLayout layout;
+    vk::PipelineStageFlags2 stages;
+    vk::AccessFlags2 access;
+};
+extern const BareUse nothing;
+extern const BareUse colorTarget;
+extern const BareUse sampledByFragments;
+extern const BareUse copySource;
+extern const BareUse copyDestination;
+
+vk::ImageMemoryBarrier2 barrier(const BareImage& image, const BareUse& from, const BareUse& to);
+
+}  // namespace bench
