@@ -14,18 +14,26 @@ TEST_P(VulkanDrawing, FramesThatBindTheSameAgainDrawTheSame) {
 }
 
 TEST_P(VulkanDrawing, ATextureThatReplacesAnotherIsNotTakenForIt) {
-    // Drivers give a new object the handle of one that has just gone.
+    // Some are still there when the next is made; of the others drivers give the handle to a new one.
+    std::vector<std::shared_ptr<gpu::Texture>> kept;
     for (unsigned value = 0; value < 200; ++value) {
         const auto texture = makeFilledTexture(PixelFormat::R8Unorm, {1, 1}, bytesOf({value}));
+        if (value % 3 == 0) {
+            kept.push_back(texture);
+        }
         EXPECT_EQ(redsOf(drawTexture("ClampingFragment", texture, {1, 1}, wholeTarget(0, 0, 1, 1))), bytesOf({value}));
     }
 }
 
 TEST_P(VulkanDrawing, ABufferThatReplacesAnotherIsNotTakenForIt) {
     const auto pipeline = makePipeline("BuffersFragment");
+    std::vector<std::shared_ptr<gpu::Buffer>> kept;
     for (unsigned value = 0; value < 200; ++value) {
         const std::vector<float> filling(4, static_cast<float>(value) / 255.0F);
         const auto style = device->newBuffer(std::as_bytes(std::span(filling)));
+        if (value % 3 == 0) {
+            kept.push_back(style);
+        }
         const auto target = makeTarget({1, 1});
         const auto buffer = queue->commandBuffer();
         auto* const encoder = buffer->renderCommandEncoder(passInto(target, LoadAction::DontCare));
