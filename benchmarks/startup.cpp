@@ -89,8 +89,9 @@ bool measure(const std::string& size, std::vector<Row> rows, int runs, char** en
     const double bareTime = median(rows.front().milliseconds);
     const double bareMemory = median(rows.front().megabytes);
     for (const Row& row : rows) {
-        std::printf("| %s, %s | %.0f | %.2f | %.0f | %.2f |\n", size.c_str(), row.name.c_str(), median(row.milliseconds),
-                    median(row.milliseconds) / bareTime, median(row.megabytes), median(row.megabytes) / bareMemory);
+        std::printf("| %s, %s | %.0f | %.2f | %.0f | %.2f |\n", size.c_str(), row.name.c_str(),
+                    median(row.milliseconds), median(row.milliseconds) / bareTime, median(row.megabytes),
+                    median(row.megabytes) / bareMemory);
     }
     return true;
 }
@@ -105,7 +106,8 @@ int main(int argumentCount, char** arguments, char** environment) {
     const std::string loops = arguments[1];
     const std::string program = arguments[2];
     const int runs = argumentCount > 3 ? std::max(1, std::atoi(arguments[3])) : 11;
-    std::printf("Start, and memory after 30 frames; medians of %d runs by turns:\n\n", runs);
+    std::printf("Start, and peak of resident memory (of the loops after 30 frames); medians of %d runs by turns:\n\n",
+                runs);
     std::printf("| | ms | ratio | MiB resident at most | ratio |\n|---|---|---|---|---|\n");
     for (const std::string size : {"1920x1080", "640x480"}) {
         const std::vector<Row> rows{

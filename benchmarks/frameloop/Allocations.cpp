@@ -7,15 +7,15 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
+#include <filesystem>
 #include <map>
 #include <string_view>
-#include <utility>
 
 // The C library's own names of what is replaced here.
 extern "C" {
-void* __libc_malloc(std::size_t size);                        // NOLINT(bugprone-reserved-identifier)
-void* __libc_calloc(std::size_t count, std::size_t size);     // NOLINT(bugprone-reserved-identifier)
-void* __libc_realloc(void* memory, std::size_t size);         // NOLINT(bugprone-reserved-identifier)
+void* __libc_malloc(std::size_t size);                           // NOLINT(bugprone-reserved-identifier)
+void* __libc_calloc(std::size_t count, std::size_t size);        // NOLINT(bugprone-reserved-identifier)
+void* __libc_realloc(void* memory, std::size_t size);            // NOLINT(bugprone-reserved-identifier)
 void* __libc_memalign(std::size_t alignment, std::size_t size);  // NOLINT(bugprone-reserved-identifier)
 }
 
@@ -47,34 +47,43 @@ thread_local bool isCounting = false;
     isCounting = true;
 }
 
+std::string_view folder(std::string_view path) {
+    return path.substr(0, path.rfind('/') + 1);
+}
+
 std::string_view fileName(std::string_view path) {
-    return path.substr(path.rfind('/') + 1);
+    return path.substr(folder(path).size());
 }
 
 bool isPassedOver(std::string_view library) {
     return library.starts_with("libstdc++") || library.starts_with("libc.so") || library.starts_with("ld-linux");
 }
 
-/// The library and the function that a note blames: the nearest caller beyond this file and the language's libraries.
-std::pair<std::string, std::string> blame(const Note& entry) {
-    Dl_info own{};
-    dladdr(reinterpret_cast<const void*>(&takeAllocationSites), &own);
-    for (int i = 2; i < entry.depth; ++i) {  // after `note` and the replacement
-        Dl_info info{};
-        if (dladdr(entry.callers[static_cast<std::size_t>(i)], &info) == 0 || info.dli_fname == nullptr) {
-            continue;
-        }
-        const std::string_view library = fileName(info.dli_fname);
-        if (isPassedOver(library)) {
-            continue;
-        }
-        char offset[32];
-        std::snprintf(offset, sizeof offset, "+0x%tx",
-                      static_cast<const char*>(entry.callers[static_cast<std::size_t>(i)]) -
-                          static_cast<const char*>(info.dli_fbase));
-        return {std::string(library), info.dli_sname != nullptr ? info.dli_sname : offset};
+/// The symbol around an address, or the offset in its library.
+std::string functionName(const Dl_info& info, const void* address) {
+    if (info.dli_sname != nullptr) {
+        return info.dli_sname;
     }
-    return {"unknown", "unknown"};
+    char offset[32];
+    std::snprintf(offset, sizeof offset, "+0x%tx",
+                  static_cast<const char*>(address) - static_cast<const char*>(info.dli_fbase));
+    return offset;
+}
+
+/// Whom a note blames: the nearest caller beyond this file and the language's libraries.
+std::string blame(const Note& entry) {
+    const std::string program = std::filesystem::read_symlink("/proc/self/exe").string();
+    for (int i = 2; i < entry.depth; ++i) {  // after `note` and the replacement
+        const void* const caller = entry.callers[static_cast<std::size_t>(i)];
+        Dl_info info{};
+        if (dladdr(caller, &info) == 0 || info.dli_fname == nullptr || isPassedOver(fileName(info.dli_fname))) {
+            continue;
+        }
+        const std::string library(fileName(info.dli_fname));
+        const bool isOurs = info.dli_fname[0] != '/' || std::string_view(info.dli_fname).starts_with(folder(program));
+        return isOurs ? library + ", " + functionName(info, caller) : library;
+    }
+    return "unknown";
 }
 
 }  // namespace
@@ -88,14 +97,14 @@ void stopCountingAllocations() {
 }
 
 std::vector<AllocationSite> takeAllocationSites() {
-    std::map<std::pair<std::string, std::string>, std::size_t> counts;
+    std::map<std::string, std::size_t> counts;
     for (std::size_t i = 0; i < noteCount; ++i) {
         ++counts[blame(notes[i])];
     }
     noteCount = 0;
     std::vector<AllocationSite> sites;
     for (const auto& [place, count] : counts) {
-        sites.push_back({place.first, place.second, count});
+        sites.push_back({place, count});
     }
     std::sort(sites.begin(), sites.end(), [](const auto& a, const auto& b) { return a.count > b.count; });
     return sites;

@@ -6,10 +6,9 @@
 
 namespace bench {
 
-/// A place that allocates, and how often it did.
+/// Code that allocates, and how often it did: one function of the project, or all of another library.
 struct AllocationSite {
-    std::string library;   ///< file name of the library whose code asked for the memory
-    std::string function;  ///< its symbol, or the offset in the library where it has none
+    std::string place;
     std::size_t count = 0;
 };
 
@@ -18,7 +17,8 @@ struct AllocationSite {
 void startCountingAllocations();
 void stopCountingAllocations();
 
-/// All that was noted since the last call, most frequent first. The C++ library's own frames are passed over.
+/// All that was noted since the last call, most frequent first. What the C and C++ libraries allocate counts for who
+/// called them.
 std::vector<AllocationSite> takeAllocationSites();
 
 }  // namespace bench

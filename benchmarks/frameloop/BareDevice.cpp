@@ -35,8 +35,7 @@ std::uint32_t drawingQueueFamily(const vk::raii::PhysicalDevice& device) {
 
 vk::raii::Device makeDevice(const vk::raii::PhysicalDevice& physicalDevice, std::uint32_t family) {
     const float priority = 1.0F;
-    const vk::DeviceQueueCreateInfo queue{
-        .queueFamilyIndex = family, .queueCount = 1, .pQueuePriorities = &priority};
+    const vk::DeviceQueueCreateInfo queue{.queueFamilyIndex = family, .queueCount = 1, .pQueuePriorities = &priority};
     vk::PhysicalDeviceVulkan13Features newest{.synchronization2 = VK_TRUE, .dynamicRendering = VK_TRUE};
     const vk::PhysicalDeviceVulkan12Features newer{.pNext = &newest, .timelineSemaphore = VK_TRUE};
     return {physicalDevice,

@@ -22,7 +22,8 @@ constexpr double maximumScale = 3.0;
 Size intermediateSize(Size size) {
     const double pixels = static_cast<double>(size.width) * size.height;
     const double scale = std::clamp(std::sqrt(pixels / idealPixels), 1.0, maximumScale);
-    return {static_cast<std::uint32_t>(size.width / scale + 0.5), static_cast<std::uint32_t>(size.height / scale + 0.5)};
+    return {static_cast<std::uint32_t>(size.width / scale + 0.5),
+            static_cast<std::uint32_t>(size.height / scale + 0.5)};
 }
 
 vk::raii::DescriptorPool makeDescriptorPool(const BareDevice& device) {
@@ -52,7 +53,8 @@ void recordBarriers(const vk::raii::CommandBuffer& commands, const std::array<vk
     commands.pipelineBarrier2({.imageMemoryBarrierCount = count, .pImageMemoryBarriers = all.data()});
 }
 
-void beginPass(const vk::raii::CommandBuffer& commands, Size size, vk::ArrayProxy<const vk::RenderingAttachmentInfo> targets) {
+void beginPass(const vk::raii::CommandBuffer& commands, Size size,
+               vk::ArrayProxy<const vk::RenderingAttachmentInfo> targets) {
     const vk::Rect2D area{.extent = {size.width, size.height}};
     commands.beginRendering({.renderArea = area,
                              .layerCount = 1,
@@ -124,8 +126,9 @@ void BareLoop::writeSets(Slot& slot) {
                                              .pSetLayouts = layouts.data()};
     const auto write = [&](std::array<vk::DescriptorSet, 3>& sets, const BareBuffer& style, const BareImage& first,
                            const BareImage& second) {
-        vk::resultCheck((*_device.handle()).allocateDescriptorSets(&info, sets.data(), *_device.handle().getDispatcher()),
-                        "vkAllocateDescriptorSets");
+        vk::resultCheck(
+            (*_device.handle()).allocateDescriptorSets(&info, sets.data(), *_device.handle().getDispatcher()),
+            "vkAllocateDescriptorSets");
         const vk::DescriptorBufferInfo buffer{.buffer = *style.buffer, .range = VK_WHOLE_SIZE};
         const std::array textures{
             vk::DescriptorImageInfo{.imageView = *first.view, .imageLayout = sampledByFragments.layout},
@@ -234,8 +237,8 @@ void BareLoop::submit(const Slot& slot) {
 
 void BareLoop::waitFor(std::uint64_t value) const {
     const vk::Semaphore timeline = *_timeline;
-    const auto result = _device.handle().waitSemaphores({.semaphoreCount = 1, .pSemaphores = &timeline, .pValues = &value},
-                                                        std::numeric_limits<std::uint64_t>::max());
+    const auto result = _device.handle().waitSemaphores(
+        {.semaphoreCount = 1, .pSemaphores = &timeline, .pValues = &value}, std::numeric_limits<std::uint64_t>::max());
     vk::resultCheck(result, "vkWaitSemaphores");
 }
 

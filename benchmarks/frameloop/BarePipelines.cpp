@@ -64,12 +64,11 @@ vk::raii::ShaderModule makeModule(const BareDevice& device, const std::filesyste
 vk::raii::Pipeline makePipeline(const BareDevice& device, const BarePipelines& pipelines, vk::ShaderModule module,
                                 const char* vertexFunction, const char* fragmentFunction,
                                 const std::vector<vk::Format>& formats) {
-    const std::array stages{vk::PipelineShaderStageCreateInfo{.stage = vk::ShaderStageFlagBits::eVertex,
-                                                              .module = module,
-                                                              .pName = vertexFunction},
-                            vk::PipelineShaderStageCreateInfo{.stage = vk::ShaderStageFlagBits::eFragment,
-                                                              .module = module,
-                                                              .pName = fragmentFunction}};
+    const std::array stages{
+        vk::PipelineShaderStageCreateInfo{
+            .stage = vk::ShaderStageFlagBits::eVertex, .module = module, .pName = vertexFunction},
+        vk::PipelineShaderStageCreateInfo{
+            .stage = vk::ShaderStageFlagBits::eFragment, .module = module, .pName = fragmentFunction}};
     using Component = vk::ColorComponentFlagBits;
     const vk::PipelineVertexInputStateCreateInfo vertexInput;
     const vk::PipelineInputAssemblyStateCreateInfo assembly{.topology = vk::PrimitiveTopology::eTriangleStrip};
@@ -78,13 +77,13 @@ vk::raii::Pipeline makePipeline(const BareDevice& device, const BarePipelines& p
     const vk::PipelineMultisampleStateCreateInfo multisampling;
     const std::vector<vk::PipelineColorBlendAttachmentState> blends(
         formats.size(), {.colorWriteMask = Component::eR | Component::eG | Component::eB | Component::eA});
-    const vk::PipelineColorBlendStateCreateInfo blending{
-        .attachmentCount = static_cast<std::uint32_t>(blends.size()), .pAttachments = blends.data()};
+    const vk::PipelineColorBlendStateCreateInfo blending{.attachmentCount = static_cast<std::uint32_t>(blends.size()),
+                                                         .pAttachments = blends.data()};
     const std::array dynamicStates{vk::DynamicState::eViewport, vk::DynamicState::eScissor};
     const vk::PipelineDynamicStateCreateInfo dynamic{
         .dynamicStateCount = static_cast<std::uint32_t>(dynamicStates.size()), .pDynamicStates = dynamicStates.data()};
-    const vk::PipelineRenderingCreateInfo rendering{
-        .colorAttachmentCount = static_cast<std::uint32_t>(formats.size()), .pColorAttachmentFormats = formats.data()};
+    const vk::PipelineRenderingCreateInfo rendering{.colorAttachmentCount = static_cast<std::uint32_t>(formats.size()),
+                                                    .pColorAttachmentFormats = formats.data()};
     return {device.handle(), nullptr,
             vk::GraphicsPipelineCreateInfo{.pNext = &rendering,
                                            .stageCount = static_cast<std::uint32_t>(stages.size()),
@@ -109,7 +108,7 @@ BarePipelines::BarePipelines(const BareDevice& device, const std::filesystem::pa
       _module(makeModule(device, shaderLibrary)),
       _colorPass(makePipeline(device, *this, *_module, "QZLColorVertexShader", "QZLColorFragmentShader",
                               {colorFormat, heightFormat})),
-      _lightPass(makePipeline(device, *this, *_module, "QZLLightVertexShader", "QZLLightFragmentShader",
-                              {pictureFormat})) {}
+      _lightPass(
+          makePipeline(device, *this, *_module, "QZLLightVertexShader", "QZLLightFragmentShader", {pictureFormat})) {}
 
 }  // namespace bench

@@ -26,8 +26,7 @@ public:
 
     void waitFor(std::size_t frames) {
         std::unique_lock lock(_mutex);
-        const bool came =
-            _changed.wait_for(lock, patience, [&] { return _completed >= frames || _failed; });
+        const bool came = _changed.wait_for(lock, patience, [&] { return _completed >= frames || _failed; });
         if (!came || _failed) {
             throw std::runtime_error("a frame did not complete");
         }

@@ -1,6 +1,7 @@
-// What the framework's frame loop costs beside a loop written by hand for the same two passes, in one process, by turns.
-// Usage: frame_loop_benchmark [--rounds N]
-//        frame_loop_benchmark --loop framework|bare WIDTHxHEIGHT FRAMES   (one loop alone: for profilers, and its start)
+// What the framework's frame loop costs beside a loop written by hand for the same two passes, in one process, by
+// turns. Usage: frame_loop_benchmark [--rounds N]
+//        frame_loop_benchmark --loop framework|bare WIDTHxHEIGHT FRAMES   (one loop alone: for profilers, and its
+//        start)
 #include "benchmarks/frameloop/Allocations.hpp"
 #include "benchmarks/frameloop/BareLoop.hpp"
 #include "benchmarks/frameloop/FrameworkLoop.hpp"
@@ -91,7 +92,8 @@ int difference(const std::vector<std::byte>& a, const std::vector<std::byte>& b)
 
 /// As many frames as take about two seconds, but enough to be past the warm-up.
 std::size_t framesToRun(bench::Loop& bare) {
-    return std::max(3 * warmUp, static_cast<std::size_t>(2.0 * bare.run(warmUp, bench::Pace::AsFastAsPossible).framesPerSecond));
+    return std::max(3 * warmUp,
+                    static_cast<std::size_t>(2.0 * bare.run(warmUp, bench::Pace::AsFastAsPossible).framesPerSecond));
 }
 
 void compare(bench::Loop& framework, bench::Loop& bare, bench::Size size, int rounds) {
@@ -140,8 +142,7 @@ void countAllocations(const char* name, bench::Loop& loop) {
     loop.run(warmUp + counted, bench::Pace::AsFastAsPossible);
     bench::frameHooks() = {};
     for (const bench::AllocationSite& site : bench::takeAllocationSites()) {
-        std::printf("| %s | %s | %s | %.2f |\n", name, site.library.c_str(), site.function.c_str(),
-                    static_cast<double>(site.count) / counted);
+        std::printf("| %s | %s | %.2f |\n", name, site.place.c_str(), static_cast<double>(site.count) / counted);
     }
 }
 
@@ -158,7 +159,7 @@ int measure(int rounds) {
     }
 
     std::printf("\nAllocations of the drawing thread per frame, after %zu frames:\n\n", warmUp);
-    std::printf("| loop | library | function | per frame |\n|---|---|---|---|\n");
+    std::printf("| loop | place | per frame |\n|---|---|---|\n");
     const bench::Size size{640, 480};
     bench::FrameworkLoop framework(module, size);
     bench::BareLoop bare(device->name(), shaderLibrary(), size);
