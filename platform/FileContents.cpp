@@ -1,36 +1,67 @@
 #include "platform/FileContents.hpp"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
-#include <fstream>
 #include <limits>
 #include <system_error>
 
 namespace platform {
+namespace {
 
-std::error_code readFile(const std::filesystem::path& path, std::uintmax_t maximumBytes, std::string& contents) {
-    // A directory would open, and a pipe would wait for its writer.
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(path, error)) {
-        return error ? error : std::make_error_code(std::errc::no_such_file_or_directory);
+std::error_code lastError() {
+    return {errno, std::generic_category()};
+}
+
+class OpenFile {
+public:
+    OpenFile(const std::filesystem::path& path, int flags) : _descriptor(open(path.c_str(), flags | O_CLOEXEC)) {}
+    ~OpenFile() { close(_descriptor); }
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+
+    int descriptor() const { return _descriptor; }
+
+private:
+    const int _descriptor;
+};
+
+/// Reads all that the descriptor names: while it is open, no other file can take its place.
+std::error_code readAll(int descriptor, std::uintmax_t maximumBytes, std::string& contents) {
+    struct stat status {};
+    if (fstat(descriptor, &status) != 0) {
+        return lastError();
     }
-    const std::uintmax_t size = std::filesystem::file_size(path, error);
-    if (error) {
-        return error;
+    if (!S_ISREG(status.st_mode)) {
+        return std::make_error_code(std::errc::no_such_file_or_directory);
     }
-    if (size > maximumBytes) {
+    if (static_cast<std::uintmax_t>(status.st_size) > maximumBytes) {
         return std::make_error_code(std::errc::file_too_large);
     }
-    contents.resize(static_cast<std::size_t>(size));
-    std::ifstream stream(path, std::ios::binary);
-    if (!stream.read(contents.data(), static_cast<std::streamsize>(contents.size()))) {
-        return std::make_error_code(std::errc::io_error);
+    contents.resize(static_cast<std::size_t>(status.st_size));
+    for (std::size_t end = 0; end < contents.size();) {
+        const ssize_t count = read(descriptor, contents.data() + end, contents.size() - end);
+        if (count == 0) {
+            return std::make_error_code(std::errc::io_error);  // it was cut meanwhile
+        }
+        if (count < 0 && errno != EINTR) {
+            return lastError();
+        }
+        end += static_cast<std::size_t>(std::max<ssize_t>(count, 0));
     }
     return {};
+}
+
+}  // namespace
+
+std::error_code readFile(const std::filesystem::path& path, std::uintmax_t maximumBytes, std::string& contents) {
+    // Opening a pipe would otherwise wait for its writer.
+    const OpenFile file(path, O_RDONLY | O_NONBLOCK);
+    return file.descriptor() < 0 ? lastError() : readAll(file.descriptor(), maximumBytes, contents);
 }
 
 std::string fileContents(const std::filesystem::path& path) {
@@ -39,10 +70,6 @@ std::string fileContents(const std::filesystem::path& path) {
 }
 
 namespace {
-
-std::error_code lastError() {
-    return {errno, std::generic_category()};
-}
 
 std::error_code writeAll(int descriptor, std::span<const std::byte> bytes) {
     while (!bytes.empty()) {

@@ -3,15 +3,19 @@
 #include "platform/FileContents.hpp"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
-#include <QLockFile>
 #include <QSettings>
 #include <QStringList>
 #include <QUtf8StringView>
 
 #include <algorithm>
+#include <atomic>
+#include <cerrno>
 #include <chrono>
+#include <span>
+#include <string>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -19,8 +23,6 @@
 
 namespace platform {
 namespace {
-
-constexpr std::chrono::seconds repairPatience(5);
 
 QString qString(const std::filesystem::path& path) {
     return QString::fromStdString(path.string());
@@ -55,9 +57,58 @@ bool isSound(std::string_view bytes) {
     return isText(bytes);
 }
 
-/// An unquoted text with commas arrives as a list.
+/// Keeps other writers of a directory's files waiting for the life of this object, where the file system offers such a
+/// lock. None is left behind by a process that dies.
+class WritersLock {
+public:
+    explicit WritersLock(const std::filesystem::path& directory)
+        : _descriptor(open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+        while (flock(_descriptor, LOCK_EX) != 0 && errno == EINTR) {
+        }
+    }
+    ~WritersLock() { close(_descriptor); }
+    WritersLock(const WritersLock&) = delete;
+    WritersLock& operator=(const WritersLock&) = delete;
+
+private:
+    const int _descriptor;
+};
+
+/// QSettings takes a file of the same size and time, in milliseconds, for the one that it knows; and many a file
+/// system's clock goes in larger steps.
+void makeNewer(const std::filesystem::path& path, const std::filesystem::path& former) {
+    using std::chrono::milliseconds;
+    std::error_code error;
+    const auto before = std::filesystem::last_write_time(former, error);
+    const auto next = std::chrono::floor<milliseconds>(before) + milliseconds(1);
+    if (!error && std::filesystem::last_write_time(path, error) < next) {
+        std::filesystem::last_write_time(path, next, error);
+    }
+}
+
+/// Renames the file to the other's path, and gives it that one's permissions.
+bool putInPlace(const std::filesystem::path& path, const std::filesystem::path& former) {
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(former, error);
+    if (std::filesystem::exists(status)) {
+        std::filesystem::permissions(path, status.permissions(), error);
+        makeNewer(path, former);
+    }
+    std::filesystem::rename(path, former, error);
+    return !error;
+}
+
+/// The file that the path leads to, which need not exist.
+std::filesystem::path resolved(const std::filesystem::path& path) {
+    std::error_code error;
+    const auto target = std::filesystem::canonical(path, error);
+    return error ? path : target;
+}
+
+/// An unquoted text with commas arrives as a list, of variants where one of its parts begins as foreign values do.
 std::string text(const QVariant& value) {
-    return (value.typeId() == QMetaType::QStringList ? value.toStringList().join(',') : value.toString()).toStdString();
+    const bool isList = value.typeId() == QMetaType::QStringList || value.typeId() == QMetaType::QVariantList;
+    return (isList ? value.toStringList().join(',') : value.toString()).toStdString();
 }
 
 /// Unlike QSettings, leaves a section of the key's name as it is.
@@ -76,59 +127,27 @@ void removeKeyAlone(QSettings& settings, const QString& key) {
     settings.endGroup();
 }
 
-}  // namespace
+/// A damaged line may have one that QSettings itself would write otherwise.
+bool isKey(const QString& text) {
+    return !text.isEmpty() && !text.startsWith('/') && !text.endsWith('/') && !text.contains("//");
+}
 
-std::optional<PreferencesFile::Texts> PreferencesFile::read() const {
-    if (!isText(fileContents(_path))) {
-        return Texts{};
-    }
-    const QSettings settings(qString(_path), QSettings::IniFormat);
-    Texts texts;
+PreferencesFile::Texts texts(const QSettings& settings) {
+    PreferencesFile::Texts result;
     for (const QString& key : settings.allKeys()) {
-        if (!key.isEmpty()) {  // a damaged line
-            texts[key.toStdString()] = text(settings.value(key));
+        if (isKey(key)) {
+            result[key.toStdString()] = text(settings.value(key));
         }
     }
-    return settings.status() != QSettings::AccessError ? std::optional(texts) : std::nullopt;
+    return result;
 }
 
-bool PreferencesFile::write(const Changes& changes) const {
-    return mayBeWritten() && (isSound(fileContents(_path)) || repair()) && merge(changes);
+bool hasKeysOnly(const QSettings& settings) {
+    const QStringList keys = settings.allKeys();
+    return std::all_of(keys.begin(), keys.end(), isKey);
 }
 
-/// Asked before QSettings is, which would keep changes that it cannot write and fail the next who only reads.
-bool PreferencesFile::mayBeWritten() const {
-    std::error_code error;
-    const std::filesystem::path directory = _path.parent_path();
-    std::filesystem::create_directories(directory, error);
-    return permitted(directory, W_OK | X_OK) &&
-           (!permitted(_path, F_OK) ||
-            (std::filesystem::is_regular_file(_path, error) && permitted(_path, R_OK | W_OK)));
-}
-
-/// Copies the file aside and leaves what makes sense of it.
-bool PreferencesFile::repair() const {
-    QLockFile lock(qString(_path) + ".repair");
-    if (!lock.tryLock(std::chrono::milliseconds(repairPatience).count())) {
-        return false;
-    }
-    if (isSound(fileContents(_path))) {
-        return true;  // another process was faster
-    }
-    const auto texts = read();
-    std::error_code error;
-    if (!texts || !std::filesystem::copy_file(_path, _path.string() + ".damaged",
-                                              std::filesystem::copy_options::overwrite_existing, error)) {
-        return false;
-    }
-    QSettings settings(qString(_path), QSettings::IniFormat);
-    settings.clear();
-    settings.sync();
-    return settings.status() != QSettings::AccessError && merge(Changes(texts->begin(), texts->end()));
-}
-
-bool PreferencesFile::merge(const Changes& changes) const {
-    QSettings settings(qString(_path), QSettings::IniFormat);
+void apply(const PreferencesFile::Changes& changes, QSettings& settings) {
     for (const auto& [key, changed] : changes) {
         if (key.find_first_not_of('/') == std::string::npos) {
             continue;  // no name for a key: the file would not read again
@@ -139,8 +158,113 @@ bool PreferencesFile::merge(const Changes& changes) const {
             removeKeyAlone(settings, QString::fromStdString(key));
         }
     }
-    settings.sync();
-    return settings.status() != QSettings::AccessError;
+}
+
+/// Leaves nothing but keys and their texts.
+void removeDamage(QSettings& settings) {
+    const PreferencesFile::Texts kept = texts(settings);
+    settings.clear();
+    apply({kept.begin(), kept.end()}, settings);
+}
+
+enum class Damage { None, Removed };
+
+/// A file beside another that may take its place; it goes at the end of this object. QSettings works on it, not on the
+/// file itself: on a full disk QSettings writes half a file and calls that a success, or keeps the changes in mind and
+/// fails all who read that file later.
+class Draft {
+public:
+    explicit Draft(const std::filesystem::path& file) {
+        // Never the same again, as QSettings remembers what it read under a name.
+        static std::atomic<unsigned> count{0};
+        const std::string unique = "." + std::to_string(getpid()) + "-" + std::to_string(++count);
+        _written = file.string() + unique + ".new";
+        _checked = file.string() + unique + ".part";
+    }
+    ~Draft() {
+        std::error_code error;
+        std::filesystem::remove(_written, error);
+        std::filesystem::remove(_checked, error);
+    }
+    Draft(const Draft&) = delete;
+    Draft& operator=(const Draft&) = delete;
+
+    const std::filesystem::path& path() const { return _checked; }
+
+    /// Writes the former bytes with the changes. True when they read back so.
+    bool merge(const std::string& former, const PreferencesFile::Changes& changes, Damage damage) const {
+        if (replaceFile(_written, std::as_bytes(std::span(former)))) {
+            return false;
+        }
+        PreferencesFile::Texts wanted;
+        {
+            QSettings settings(qString(_written), QSettings::IniFormat);
+            if (damage == Damage::Removed) {
+                removeDamage(settings);
+            }
+            if (!hasKeysOnly(settings)) {
+                return false;  // what QSettings writes for the others is damage again
+            }
+            apply(changes, settings);
+            wanted = texts(settings);
+            settings.sync();
+        }
+        std::error_code error;
+        std::filesystem::rename(_written, _checked, error);
+        return !error && PreferencesFile(_checked).read() == wanted;
+    }
+
+private:
+    std::filesystem::path _written;
+    std::filesystem::path _checked;
+};
+
+}  // namespace
+
+std::optional<PreferencesFile::Texts> PreferencesFile::read() const {
+    if (!isText(fileContents(_path))) {
+        return Texts{};
+    }
+    const QSettings settings(qString(_path), QSettings::IniFormat);
+    return settings.status() != QSettings::AccessError ? std::optional(texts(settings)) : std::nullopt;
+}
+
+bool PreferencesFile::write(const Changes& changes) const {
+    if (!mayBeWritten()) {
+        return false;
+    }
+    const WritersLock lock(_path.parent_path());
+    const std::filesystem::path target = resolved(_path);
+    const std::string former = fileContents(_path);
+    if (isSound(former)) {
+        const Draft draft(target);
+        if (draft.merge(former, changes, Damage::None)) {
+            return putInPlace(draft.path(), target);
+        }
+        // Full disk, or something in the file that QSettings takes as sound but does not write again.
+    }
+    const Draft draft(target);
+    return draft.merge(isText(former) ? former : "", changes, Damage::Removed) && keepAside(former) &&
+           putInPlace(draft.path(), target);
+}
+
+bool PreferencesFile::mayBeWritten() const {
+    std::error_code error;
+    const std::filesystem::path directory = _path.parent_path();
+    std::filesystem::create_directories(directory, error);
+    return permitted(directory, W_OK | X_OK) &&
+           (!permitted(_path, F_OK) ||
+            (std::filesystem::is_regular_file(_path, error) && permitted(_path, R_OK | W_OK)));
+}
+
+bool PreferencesFile::keepAside(const std::string& damaged) const {
+    const std::filesystem::path aside = _path.string() + ".damaged";
+    if (replaceFile(aside, std::as_bytes(std::span(damaged)))) {
+        return false;
+    }
+    std::error_code error;
+    std::filesystem::permissions(aside, std::filesystem::status(_path, error).permissions(), error);
+    return true;
 }
 
 }  // namespace platform

@@ -28,8 +28,7 @@ public:
 
 private:
     bool mayBeWritten() const;
-    bool repair() const;
-    bool merge(const Changes& changes) const;
+    bool keepAside(const std::string& damaged) const;
 
     const std::filesystem::path _path;
 };

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <atomic>
+#include <filesystem>
 #include <latch>
 #include <optional>
 #include <ostream>
@@ -116,6 +117,23 @@ TEST_F(QZLVersionError, NamesThreeNumbersWhenAPatchIsRequired) {
 TEST_F(QZLVersionError, GivesTheTwoNumberTextAllThree) {
     const fake::Bundle other({{"Vistashade", {{"QZL_ERROR_MACOS_VERSION_2", "%4$d %3$d %2$d %1$@"}}}});
     EXPECT_EQ(errorFor(12, 7, 0).localizedDescription(), "0 7 12 Cirrane");
+}
+
+TEST_F(QZLVersionError, SaysWhatItCanWithATextThatDoesNotMatchItsArguments) {
+    const fake::Bundle other(
+        {{"Vistashade",
+          {{"QZL_ERROR_MACOS_VERSION_2", "%d needs %@ %lf %s %@ %n"}, {"QZL_ERROR_MACOS_VERSION_3", ""}}}});
+    EXPECT_EQ(errorFor(12, 7, 0).localizedDescription(), "Cirrane needs 12 7 0 (null) %n");
+    EXPECT_EQ(errorFor(12, 7, 1).localizedDescription(), "");
+}
+
+TEST_F(QZLVersionError, NamesNullWithoutABundle) {
+    platform::Bundle::setOverride(nullptr);
+    EXPECT_EQ(errorFor(12, 7, 0).localizedDescription(), "QZL_ERROR_MACOS_VERSION_2");
+    const fake::Bundle nameless({{"Vistashade", {{"QZL_ERROR_MACOS_VERSION_2", "%@ needs %d.%d"}}}});
+    std::filesystem::remove(nameless.directory() / "Info.json");
+    platform::Bundle::setOverride(platform::Bundle::open(nameless.directory()));
+    EXPECT_EQ(errorFor(12, 7, 0).localizedDescription(), "(null) needs 12.7");
 }
 
 TEST_F(QZLVersionError, IsTheKeyWhenTheTextIsMissing) {

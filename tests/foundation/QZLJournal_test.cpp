@@ -134,6 +134,19 @@ TEST_F(QZLJournalTest, WithoutFormatsEveryLineIsTheBareKey) {
     EXPECT_THAT(log.lines(), ElementsAre("QZL_JOURNAL_LOG_FORMAT", "QZL_JOURNAL_LOG_FORMAT"));
 }
 
+TEST_F(QZLJournalTest, FormatsThatDoNotMatchTheirArgumentsStillPrint) {
+    const fake::Bundle other({{"Vistashade",
+                               {{"QZL_JOURNAL_MESSAGE_FORMAT", "%2$@ %9$@ %ld|%.2lf %n%*d\n"},
+                                {"QZL_JOURNAL_LOG_FORMAT", "%d %s %x %c %@ %@ 100%"}}}});
+    journal.setPrefix("[Screen] ");
+    journal.setLogPrefix("Cirrane: ");
+    journal.add("%s one");
+    EXPECT_EQ(journal.accumulatedMessages(), "%s one (null) [Screen] |%s one %n%*d\n");
+    EXPECT_THAT(log.lines(), ElementsAre("Cirrane:  [Screen]  %s one (null) (null) (null) 100%"));
+    journal.addWithFormat("%ld:%ld %@ %@", "no number", 2.5, 7);
+    EXPECT_EQ(log.lines().back(), "Cirrane:  [Screen]  no number:2.5 7 (null) (null) (null) (null) 100%");
+}
+
 TEST_F(QZLJournalTest, ASnapshotDoesNotGrow) {
     journal.add("one");
     const std::string snapshot = journal.accumulatedMessages();

@@ -14,6 +14,22 @@ namespace {
 using namespace std::chrono_literals;
 using platform::DisplayLink;
 
+/// Stops a link on the thread that made this, and lets a callback see that it waits in there.
+class Stopper {
+public:
+    int stop(DisplayLink& link) {
+        _stopping.open();
+        return link.stop();
+    }
+    bool waitUntilItWaits() const {
+        return eventually([this] { return _stopping.isOpen() && fake::isAsleep(_thread); });
+    }
+
+private:
+    const pid_t _thread = fake::thisThread();
+    Gate _stopping;
+};
+
 TEST(DisplayLinkStop, DoesNotTickAfterStopHasReturned) {
     Ticks ticks;
     const auto link = makeLink(ticks);
@@ -42,16 +58,16 @@ TEST(DisplayLinkStop, StopDoesNotWaitForTheNextRefresh) {
 TEST(DisplayLinkStop, StopWaitsForARunningCallback) {
     Ticks ticks;
     Gate entered;
+    Stopper stopper;
     std::atomic<bool> returned = false;
     ticks.action = [&](DisplayLink*) {
         entered.open();
-        std::this_thread::sleep_for(50ms);
-        returned = true;
+        returned = stopper.waitUntilItWaits();
     };
     const auto link = makeLink(ticks);
     link->start();
     entered.wait();
-    EXPECT_EQ(link->stop(), platform::displayLinkSuccess);
+    EXPECT_EQ(stopper.stop(*link), platform::displayLinkSuccess);
     EXPECT_TRUE(returned);
 }
 
@@ -73,17 +89,17 @@ TEST(DisplayLinkStop, StopWithinTheCallbackOnlyAsks) {
 TEST(DisplayLinkStop, StopFromOutsideWaitsForACallbackThatAskedForTheStop) {
     Ticks ticks;
     Gate asked;
+    Stopper stopper;
     std::atomic<bool> returned = false;
     ticks.action = [&](DisplayLink* link) {
         link->stop();
         asked.open();
-        std::this_thread::sleep_for(50ms);
-        returned = true;
+        returned = stopper.waitUntilItWaits();
     };
     const auto link = makeLink(ticks);
     link->start();
     asked.wait();
-    EXPECT_EQ(link->stop(), platform::displayLinkNotRunning);
+    EXPECT_EQ(stopper.stop(*link), platform::displayLinkNotRunning);
     EXPECT_TRUE(returned);
 }
 

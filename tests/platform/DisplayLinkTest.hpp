@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/DisplayLink.hpp"
+#include "tests/support/Waiting.hpp"
 
 #include <gtest/gtest.h>
 
@@ -13,31 +14,9 @@
 #include <thread>
 #include <vector>
 
-/// Only a test that would fail anyway waits this long.
-inline constexpr std::chrono::seconds deadline{30};
-
-inline bool eventually(const std::function<bool()>& condition) {
-    const auto giveUp = std::chrono::steady_clock::now() + deadline;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > giveUp) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::microseconds(100));
-    }
-    return true;
-}
-
-/// A gate that threads wait at.
-class Gate {
-public:
-    void open() { _open = true; }
-    bool wait() const {
-        return eventually([this] { return _open.load(); });
-    }
-
-private:
-    std::atomic<bool> _open = false;
-};
+using fake::deadline;
+using fake::eventually;
+using fake::Gate;
 
 /// What a link's callback does, and what became of it. The callback's last touch is its count of completed calls, so
 /// that a test may go once it has seen that.

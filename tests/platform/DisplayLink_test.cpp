@@ -3,6 +3,7 @@
 #include "tests/platform/DisplayLinkTest.hpp"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <chrono>
 #include <memory>
@@ -142,6 +143,44 @@ TEST(DisplayLink, ManyRunAtOnce) {
         EXPECT_TRUE(one.waitForCompleted(3));
     }
     links.clear();
+}
+
+/// Makes the threads of this process ask for more stack than there is, for the life of this object.
+class NoThreads {
+public:
+    NoThreads() {
+        pthread_attr_t attributes;
+        pthread_getattr_default_np(&attributes);
+        pthread_attr_getstacksize(&attributes, &_former);
+        set(std::size_t{1} << 60);
+        pthread_attr_destroy(&attributes);
+    }
+    ~NoThreads() { set(_former); }
+    NoThreads(const NoThreads&) = delete;
+    NoThreads& operator=(const NoThreads&) = delete;
+
+private:
+    static void set(std::size_t stackSize) {
+        pthread_attr_t attributes;
+        pthread_attr_init(&attributes);
+        pthread_attr_setstacksize(&attributes, stackSize);
+        EXPECT_EQ(pthread_setattr_default_np(&attributes), 0);
+        pthread_attr_destroy(&attributes);
+    }
+
+    std::size_t _former = 0;
+};
+
+TEST(DisplayLink, WithoutAThreadToBeHadItDoesNotStartAndMayBeStartedLater) {
+    Ticks ticks;
+    const auto link = makeLink(ticks);
+    {
+        const NoThreads noThreads;
+        EXPECT_EQ(link->start(), platform::displayLinkAllocationFailed);
+        EXPECT_EQ(link->stop(), platform::displayLinkNotRunning);
+    }
+    EXPECT_EQ(link->start(), platform::displayLinkSuccess);
+    EXPECT_TRUE(ticks.waitForCompleted(1));
 }
 
 TEST(DisplayLink, AnUnknownPeriodStillTicks) {

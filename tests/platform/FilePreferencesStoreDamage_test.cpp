@@ -71,4 +71,35 @@ TEST_F(FilePreferencesStoreDamage, SoundFilesAreNotCopiedAside) {
     }
 }
 
+TEST_F(FilePreferencesStoreDamage, WhatCannotBeWrittenAgainAsItStandsNeverKeepsChangesOut) {
+    // Keys that a writer would name otherwise, and texts that begin as values of other types do.
+    for (const std::string odd : {"[Gencral]\n=5\nZoom=0.1\n", "List=@^yet 2, 3\n", "[/en;eral]\nReports=0.4\n",
+                                  "Colors=0.4\n\\ext=x\n", "[]Gen[General]\nts=5.4Drt]\n", "a//b=1\n/c=2\nd/=3\n"}) {
+        SCOPED_TRACE(odd);
+        write(odd);
+        const auto store = open();
+        store->setFloat(0.5F, "Zoom");
+        EXPECT_TRUE(store->synchronize());
+        EXPECT_EQ(open()->floatForKey("Zoom"), 0.5F);
+    }
+}
+
+TEST_F(FilePreferencesStoreDamage, WhatCannotBeWrittenAgainIsKeptAsideAndLeavesASoundFile) {
+    const std::string odd = "Zoom=1\nd/=2\n";
+    write(odd);
+    const auto store = open();
+    for (const float speed : {0.25F, 0.5F}) {
+        store->setFloat(speed, "Speed");
+        EXPECT_TRUE(store->synchronize());
+        EXPECT_EQ(fake::readFile(damaged()), speed == 0.25F ? odd : "") << speed;
+        std::filesystem::remove(damaged());
+    }
+    EXPECT_EQ(open()->floatForKey("Zoom"), 1.0F);
+}
+
+TEST_F(FilePreferencesStoreDamage, ALinePartsOfWhichLookLikeForeignValuesReadsAsItsText) {
+    write("List=@^yet 2, 3\n");
+    EXPECT_EQ(open()->stringForKey("List"), "@^yet 2,3");
+}
+
 }  // namespace

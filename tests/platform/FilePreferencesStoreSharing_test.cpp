@@ -4,11 +4,16 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <array>
+#include <chrono>
 #include <filesystem>
 #include <functional>
+#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
@@ -17,16 +22,44 @@ namespace {
 
 using FilePreferencesStoreSharing = FilePreferencesStoreTest;
 
-/// Runs that in a process of its own; true when it returned true.
-bool inAnotherProcess(const std::function<bool()>& work) {
+/// A process of its own that does this and nothing else, well when it returns true.
+pid_t start(const std::function<bool()>& work) {
     const pid_t child = fork();
     if (child == 0) {
         _exit(work() ? 0 : 1);
     }
-    int status = 1;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    return child;
 }
+
+bool endedWell(pid_t child) {
+    int status = 1;
+    return waitpid(child, &status, 0) == child && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+bool inAnotherProcess(const std::function<bool()>& work) {
+    return endedWell(start(work));
+}
+
+/// Two processes take turns by it.
+class Baton {
+public:
+    Baton() { EXPECT_EQ(pipe2(_ends.data(), O_CLOEXEC), 0); }
+    ~Baton() {
+        close(_ends[0]);
+        close(_ends[1]);
+    }
+    Baton(const Baton&) = delete;
+    Baton& operator=(const Baton&) = delete;
+
+    bool pass() const { return ::write(_ends[1], "x", 1) == 1; }
+    bool take() const {
+        char byte = 0;
+        return ::read(_ends[0], &byte, 1) == 1;
+    }
+
+private:
+    std::array<int, 2> _ends{};
+};
 
 TEST_F(FilePreferencesStoreSharing, SynchronizeTakesInWhatOthersWrote) {
     const auto store = open();
@@ -72,35 +105,90 @@ TEST_F(FilePreferencesStoreSharing, TwoStoresOfOneFileMerge) {
     EXPECT_EQ(one->floatForKey("Speed"), 0.2F);
 }
 
-TEST_F(FilePreferencesStoreSharing, ProcessesThatWriteAtOnceLoseNoKeyAndLeaveNoTornFile) {
-    constexpr int writers = 3;
-    constexpr int keys = 8;
-    const std::string journal(20000, 'j');
-    std::vector<pid_t> children;
-    for (int writer = 0; writer < writers; ++writer) {
-        const pid_t child = fork();
-        if (child == 0) {
+constexpr int rounds = 12;
+
+/// Whether every text of the store is a whole one: letters of one kind, as many as its key says.
+bool holdsWholeTexts(const platform::PreferencesStore& store) {
+    const std::vector<std::string> keys = store.allKeys();
+    return std::all_of(keys.begin(), keys.end(), [&store](const std::string& key) {
+        const std::string value = store.stringForKey(key).value_or("");
+        return value == std::string(std::stoul(key.substr(1)), key[0]);
+    });
+}
+
+TEST_F(FilePreferencesStoreSharing, ProcessesThatWriteAtOnceLoseNoKeyAndReadersSeeNoTornFile) {
+    const auto lastKeyOf = [](char writer) { return writer + std::to_string(1000 * rounds); };
+    std::vector<pid_t> processes;
+    for (const char writer : {'a', 'b', 'c'}) {
+        processes.push_back(start([this, writer] {
             const auto store = open();
             bool succeeded = true;
-            for (int key = 0; key < keys; ++key) {
-                store->setString(journal, "key" + std::to_string(writer) + std::to_string(key));
-                succeeded = store->synchronize() && succeeded;
+            for (int round = 1; round <= rounds; ++round) {
+                store->setString(std::string(1000U * round, writer), writer + std::to_string(1000 * round));
+                succeeded = store->synchronize() && holdsWholeTexts(*store) && succeeded;
             }
-            _exit(succeeded ? 0 : 1);
+            return succeeded;
+        }));
+    }
+    for (int reader = 0; reader < 2; ++reader) {
+        processes.push_back(start([&] {
+            const auto store = open();
+            const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(60);
+            std::size_t seen = 0;
+            bool sound = true;
+            bool complete = false;
+            while (sound && !complete && std::chrono::steady_clock::now() < giveUp) {
+                const auto fresh = open();
+                sound = store->synchronize() && holdsWholeTexts(*store) && holdsWholeTexts(*fresh) &&
+                        store->allKeys().size() >= seen;
+                seen = store->allKeys().size();
+                complete = store->isStored(lastKeyOf('a')) && store->isStored(lastKeyOf('b')) &&
+                           store->isStored(lastKeyOf('c'));
+            }
+            return sound && complete;
+        }));
+    }
+    for (const pid_t process : processes) {
+        EXPECT_TRUE(endedWell(process));
+    }
+    EXPECT_EQ(open()->allKeys().size(), 3U * rounds);
+    EXPECT_TRUE(holdsWholeTexts(*open()));
+    const std::filesystem::directory_iterator entries(directory.path());
+    EXPECT_EQ(std::distance(begin(entries), end(entries)), 1) << "a lock, a draft or a damaged file was left";
+}
+
+TEST_F(FilePreferencesStoreSharing, QuickChangesOfTheSameLengthAreSeenAndKept) {
+    // Within one step of the file system's clock, so that neither size nor time tells of them.
+    constexpr int turns = 50;
+    const Baton toOther;
+    const Baton back;
+    const pid_t other = start([&] {
+        const auto store = open();
+        bool succeeded = true;
+        for (int turn = 0; turn < turns; ++turn) {
+            succeeded = toOther.take() && succeeded;
+            store->setInteger(1000 + turn, "Other");
+            succeeded = store->synchronize() && back.pass() && succeeded;
         }
-        children.push_back(child);
-    }
-    for (const pid_t child : children) {
-        int status = 1;
-        waitpid(child, &status, 0);
-        EXPECT_EQ(status, 0);
-    }
+        return succeeded;
+    });
     const auto store = open();
-    EXPECT_EQ(store->allKeys().size(), static_cast<std::size_t>(writers * keys));
-    for (const std::string& key : store->allKeys()) {
-        EXPECT_EQ(store->stringForKey(key), journal);
+    int stale = 0;
+    int lost = 0;
+    for (int turn = 0; turn < turns; ++turn) {
+        store->setInteger(1000 + turn, "First");
+        ASSERT_TRUE(store->synchronize());
+        ASSERT_TRUE(toOther.pass() && back.take());
+        ASSERT_TRUE(store->synchronize());
+        stale += store->integerForKey("Other") == 1000 + turn ? 0 : 1;
+        store->setInteger(1000 + turn, "Second");
+        ASSERT_TRUE(store->synchronize());
+        const std::string line = "Other=" + std::to_string(1000 + turn) + "\n";
+        lost += fake::readFile(file).find(line) != std::string::npos ? 0 : 1;
     }
-    EXPECT_FALSE(std::filesystem::exists(damaged()));
+    EXPECT_EQ(stale, 0);
+    EXPECT_EQ(lost, 0);
+    EXPECT_TRUE(endedWell(other));
 }
 
 TEST_F(FilePreferencesStoreSharing, AReaderNeverSeesATornFile) {

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <iterator>
 #include <optional>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -134,6 +135,49 @@ TEST_F(FilePreferencesStore, TextsOfEveryKindRoundTrip) {
                                    "'"}) {
         EXPECT_EQ(readBack(file, text), text);
     }
+}
+
+TEST_F(FilePreferencesStore, RandomKeysAndTextsRoundTrip) {
+    const std::vector<std::string> pieces{"@", "\\", "\"",   "=",    ";",      ",",      "[", "]",
+                                          "%", "/",  "\n",   "\r",   " ",      "x",      "0", "(",
+                                          ")", "#",  "\x01", "\x7F", "\u00e4", "\u2601", "a", std::string(1, '\0')};
+    std::mt19937 random(1);
+    const auto anyText = [&](std::size_t longest) {
+        std::string result;
+        for (std::size_t left = random() % longest; left > 0; --left) {
+            result += pieces[random() % pieces.size()];
+        }
+        return result;
+    };
+    const auto store = open();
+    for (int round = 0; round < 100; ++round) {
+        const std::string value = anyText(40);
+        store->setString(anyText(10), anyText(6));  // whatever the key comes to
+        store->setString(value, "key");
+        ASSERT_TRUE(store->synchronize());
+        ASSERT_EQ(open()->stringForKey("key"), value);
+    }
+    EXPECT_FALSE(std::filesystem::exists(damaged()));
+}
+
+TEST_F(FilePreferencesStore, ALinkToTheFileStays) {
+    const std::filesystem::path target = directory.path() / "elsewhere" / "real.conf";
+    fake::writeFile(target, "[General]\nZoom=0.25\n");
+    std::filesystem::create_symlink(target, file);
+    const auto store = open();
+    store->setFloat(0.5F, "Speed");
+    EXPECT_TRUE(store->synchronize());
+    EXPECT_TRUE(std::filesystem::is_symlink(file));
+    EXPECT_EQ(fake::readFile(target), "[General]\nSpeed=0.5\nZoom=0.25\n");
+}
+
+TEST_F(FilePreferencesStore, TheFileKeepsItsPermissions) {
+    write("[General]\nZoom=0.25\n");
+    std::filesystem::permissions(file, std::filesystem::perms(0600));
+    const auto store = open();
+    store->setFloat(0.5F, "Speed");
+    EXPECT_TRUE(store->synchronize());
+    EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms(0600));
 }
 
 TEST_F(FilePreferencesStore, AnEmptyTextIsStoredAndIsNotNone) {

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <pwd.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <optional>
@@ -32,6 +33,21 @@ TEST_F(Paths, TheHomeFolderIsThePasswordDatabasesWhenTheEnvironmentNamesNone) {
     EXPECT_EQ(platform::homeDirectory(), entry->pw_dir);
     home.set("");
     EXPECT_EQ(platform::homeDirectory(), entry->pw_dir);
+}
+
+TEST_F(Paths, TheHomeFolderOfAUserUnknownToThePasswordDatabaseIsTheRoot) {
+    constexpr uid_t nobodyKnown = 54321;
+    if (geteuid() != 0 || getpwuid(nobodyKnown) != nullptr) {
+        GTEST_SKIP() << "takes another user's place, which only root may";
+    }
+    const pid_t child = fork();
+    if (child == 0) {
+        const bool changed = setresuid(nobodyKnown, nobodyKnown, nobodyKnown) == 0;
+        _exit(changed && platform::homeDirectory() == "/" && platform::configDirectory() == "/.config" ? 0 : 1);
+    }
+    int status = 1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
 }
 
 TEST_F(Paths, SettingsAndCachesLieInTheirOwnDirectories) {
