@@ -123,7 +123,8 @@ bool saveTexture(const std::string& path, const std::shared_ptr<gpu::Texture>& t
     std::shared_ptr<gpu::Buffer> buffer;
     std::uint64_t width = 0;
     std::uint64_t height = 0;
-    if (!QZLCopyTextureToBuffer(texture, buffer, width, height) || !fitsBmp(width, height)) {
+    if (texture == nullptr || !fitsBmp(texture->width(), texture->height()) ||
+        !QZLCopyTextureToBuffer(texture, buffer, width, height)) {
         return false;
     }
     const BmpLayout layout(width, height);

@@ -8,6 +8,7 @@
 #include "renderhost/QZLBuffer.hpp"
 #include "renderhost/QZLConversion.hpp"
 #include "renderhost/QZLPipelineState.hpp"
+#include "renderhost/QZLRenderHostError.hpp"
 #include "renderhost/QZLRenderPassDescriptor.hpp"
 #include "renderhost/QZLTexture.hpp"
 #include "settings/QZLDefaultsManager.hpp"
@@ -180,7 +181,10 @@ std::shared_ptr<gpu::Texture> QZLCirraneRenderer::createNoiseTextureWithError(pl
     for (std::size_t index = 0; index < length; ++index) {
         bytes[index] = static_cast<std::byte>(platform::random() & 0xFF);
     }
-    texture->replaceRegion({{0, 0}, {noiseSide, noiseSide}}, {bytes.get(), length}, noiseSide);
+    if (!texture->replaceRegion({{0, 0}, {noiseSide, noiseSide}}, {bytes.get(), length}, noiseSide)) {
+        QZLReportError(error, QZLErrorTexture, noiseTextureSubCode);  // without noise there would be no clouds
+        return nullptr;
+    }
     return texture;
 }
 

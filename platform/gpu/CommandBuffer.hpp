@@ -35,7 +35,7 @@ public:
     virtual ~CommandBuffer() = default;
 
     /// An open encoder, or null when the buffer was committed, an attachment of the descriptor cannot be used, the
-    /// device lacks features, or memory ran out. In any case the encoder that was open before has ended.
+    /// device lacks features or is lost, or memory ran out. In any case the encoder that was open before has ended.
     RenderCommandEncoder* renderCommandEncoder(const RenderPassDescriptor& descriptor);
     ComputeCommandEncoder* computeCommandEncoder();
     BlitCommandEncoder* blitCommandEncoder();

@@ -1,5 +1,6 @@
 // The frame loop with its real threads: a display link's, a completion thread and the main one.
 #include "tests/renderhost/RendererTest.hpp"
+#include "tests/support/Waiting.hpp"
 
 #include <atomic>
 #include <chrono>
@@ -93,9 +94,7 @@ TEST_F(QZLFrameLoopThreads, ARendererMayGoWhileItsFramesComplete) {
         renderer = QZLMakeRenderer<RecordingRenderer>();
         ASSERT_FALSE(renderer->attachToView(runningView, false, 0, statistics));
         renderer->startAnimation();
-        while (renderer->frameNumber() == 0) {
-            std::this_thread::yield();
-        }
+        EXPECT_TRUE(fake::eventually([this] { return renderer->frameNumber() > 0; }));
         renderer.reset();
     }
 }

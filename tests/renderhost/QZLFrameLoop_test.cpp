@@ -1,33 +1,10 @@
-#include "tests/renderhost/RendererTest.hpp"
+#include "tests/renderhost/FrameLoopTest.hpp"
 
-#include <chrono>
-#include <functional>
-#include <future>
-
-using namespace std::chrono_literals;
 using testing::ElementsAre;
 
 namespace {
 
-class QZLFrameLoop : public RendererTest {
-protected:
-    void present(int frames) {
-        for (int frame = 0; frame < frames; ++frame) {
-            renderer->presentFrame();
-        }
-    }
-
-    /// True when the next frame waits for a slot until `release` has been called.
-    bool nextFrameWaitsFor(const std::function<void()>& release) {
-        const std::size_t callsBefore = gpu->calls().size();
-        auto frame = std::async(std::launch::async, [this] { renderer->presentFrame(); });
-        const bool waits = frame.wait_for(50ms) == std::future_status::timeout;
-        EXPECT_EQ(gpu->calls().size(), callsBefore);
-        release();
-        frame.get();
-        return waits;
-    }
-};
+class QZLFrameLoop : public FrameLoopTest {};
 
 /// Stands still and records when it is read, which statistics do and nothing else in a frame does.
 class RecordingClock final : public platform::Clock {
@@ -160,13 +137,6 @@ TEST_F(QZLFrameLoop, AFrameIsClearedOnlyWhenItShallBe) {
                 ElementsAre("render [drawable 0 dontCare store]", "render [drawable 1 clear(1 0 0 0.5) store]"));
 }
 
-TEST_F(QZLFrameLoop, TheSlotsTakeTurns) {
-    gpu->setCompletesAtCommit(true);
-    EXPECT_FALSE(attach());
-    present(7);
-    EXPECT_EQ(renderer->bufferIndices(), (std::vector<std::int32_t>{0, 1, 2, 0, 1, 2, 0}));
-}
-
 TEST_F(QZLFrameLoop, FramesAreNumberedFromTheLastReset) {
     gpu->setCompletesAtCommit(true);
     EXPECT_FALSE(attach());
@@ -181,119 +151,6 @@ TEST_F(QZLFrameLoop, FramesAreNumberedFromTheLastReset) {
     present(1);
     EXPECT_EQ(renderer->frames.back().frameNumber, 0U);
     EXPECT_EQ(renderer->frameNumber(), 1U);
-}
-
-TEST_F(QZLFrameLoop, AFourthFrameWaitsForTheFirstToComplete) {
-    EXPECT_FALSE(attach());
-    present(3);
-    EXPECT_EQ(gpu->committedButIncomplete(), 3U);
-    EXPECT_TRUE(nextFrameWaitsFor([this] { gpu->completeNext(); }));
-    EXPECT_EQ(renderer->bufferIndices(), (std::vector<std::int32_t>{0, 1, 2, 0}));
-    EXPECT_EQ(gpu->committedButIncomplete(), 3U);
-}
-
-TEST_F(QZLFrameLoop, NeverAreMoreThanThreeFramesInFlight) {
-    EXPECT_FALSE(attach());
-    for (int frame = 0; frame < 20; ++frame) {
-        if (gpu->committedButIncomplete() == 3) {
-            gpu->completeNext();
-        }
-        present(1);
-        ASSERT_LE(gpu->committedButIncomplete(), 3U);
-    }
-    EXPECT_EQ(renderer->frames.size(), 20U);
-}
-
-TEST_F(QZLFrameLoop, ASlotComesBackOnlyWithItsCompletion) {
-    EXPECT_FALSE(attach());
-    present(3);
-    gpu->completeNext();
-    gpu->completeNext();
-    present(2);
-    EXPECT_TRUE(nextFrameWaitsFor([this] { gpu->completeNext(); }));
-}
-
-TEST_F(QZLFrameLoop, AFrameWithoutADrawableKeepsItsSlotForEver) {
-    gpu->plan().failingDrawables = {1, 2};
-    EXPECT_FALSE(attach());
-    present(3);
-    EXPECT_EQ(renderer->frames.size(), 1U);
-    EXPECT_TRUE(nextFrameWaitsFor([this] { gpu->completeNext(); }));
-    EXPECT_TRUE(nextFrameWaitsFor([this] { gpu->completeNext(); }));  // one slot of three is left
-    EXPECT_EQ(renderer->bufferIndices(), (std::vector<std::int32_t>{0, 1, 2}));
-}
-
-TEST_F(QZLFrameLoop, AFrameWithoutADrawableTakesNeitherIndexNorNumber) {
-    gpu->setCompletesAtCommit(true);
-    gpu->plan().failingDrawables = {1};
-    EXPECT_FALSE(attach());
-    present(3);
-    EXPECT_THAT(renderer->frames,
-                ElementsAre(RecordingRenderer::Frame{0, 1.0F, 0}, RecordingRenderer::Frame{1, 1.0F, 1}));
-    EXPECT_THAT(callsStartingWith("commandBuffer"), testing::SizeIs(2));
-}
-
-TEST_F(QZLFrameLoop, AFrameWithoutACommandBufferKeepsItsSlotForEver) {
-    gpu->plan().failingCommandBuffers = {1, 2};
-    EXPECT_FALSE(attach());
-    present(3);
-    EXPECT_TRUE(nextFrameWaitsFor([this] { gpu->completeNext(); }));
-    EXPECT_TRUE(nextFrameWaitsFor([this] { gpu->completeNext(); }));
-    EXPECT_EQ(renderer->frames.size(), 3U);
-}
-
-TEST_F(QZLFrameLoop, AFrameWithoutACommandBufferTakesAnIndexAndNoNumber) {
-    gpu->setCompletesAtCommit(true);
-    gpu->plan().failingCommandBuffers = {1};
-    EXPECT_FALSE(attach());
-    present(3);
-    EXPECT_THAT(renderer->frames,
-                ElementsAre(RecordingRenderer::Frame{0, 1.0F, 0}, RecordingRenderer::Frame{2, 1.0F, 1}));
-}
-
-TEST_F(QZLFrameLoop, PreparationIsFromAfterTheScreenshotQuestionToBeforeTheCommit) {
-    gpu->setCompletesAtCommit(true);
-    renderer->setScreenshotsEnabled(true);
-    renderer->onShouldSaveScreenshot = [this] {
-        clock.advance(0.002);
-        return false;
-    };
-    renderer->onDraw = [this](QZLDrawContext& context) {
-        clock.advance(0.005);
-        context.commandBuffer().addScheduledHandler([this](gpu::CommandBuffer&) { clock.advance(0.007); });
-    };
-    EXPECT_FALSE(attach());
-    present(1);
-    clock.advance(1.0);
-    present(1);
-    EXPECT_NEAR(statistics->framePreparationTime(), 0.005, 1e-9);
-    EXPECT_NEAR(statistics->frameRenderingTime(), 0.007, 1e-9);
-    EXPECT_NEAR(statistics->frameElapsedTime(), 0.012, 1e-9);
-}
-
-TEST_F(QZLFrameLoop, CallbacksReportToTheStatisticsOfTheirMoment) {
-    const auto later = std::make_shared<QZLStatistics>();
-    EXPECT_FALSE(attach());
-    present(2);
-    renderer->detachFromView();
-    EXPECT_FALSE(renderer->attachToView(view, false, 0, later));
-    gpu->completeNext();
-    clock.advance(1.5);
-    gpu->completeNext();
-    EXPECT_GT(later->frameElapsedTime(), 0.0);
-    EXPECT_EQ(statistics->frameElapsedTime(), 0.0);
-}
-
-TEST_F(QZLFrameLoop, CallbacksOfAFrameReportNothingOnceThereAreNoStatistics) {
-    EXPECT_FALSE(attach());
-    present(2);
-    renderer->detachFromView();
-    EXPECT_FALSE(renderer->attachToView(view, false, 0, nullptr));
-    gpu->completeNext();
-    clock.advance(1.5);
-    gpu->completeNext();
-    EXPECT_EQ(statistics->frameElapsedTime(), 0.0);
-    present(3);  // the slots came back
 }
 
 TEST_F(QZLFrameLoop, AnImageIsNotDrawnIntoAgainUntilItsFrameHasBeenSavedAndReported) {

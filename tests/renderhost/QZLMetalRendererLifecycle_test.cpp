@@ -183,7 +183,7 @@ TEST_F(QZLMetalRendererLifecycle, FramesInFlightSurviveTheRenderer) {
 
     clock.advance(0.25);
     gpu->completeNext();
-    clock.advance(1.0);
+    clock.advance(1.5);
     gpu->completeNext();  // the second event closes the period that the first one opened
     EXPECT_DOUBLE_EQ(statistics->frameElapsedTime(), 0.25);
     EXPECT_TRUE(device.expired());

@@ -57,6 +57,16 @@ protected:
     bool directoryIsEmpty() const { return std::filesystem::is_empty(directory.path()); }
 };
 
+/// Larger than any memory; nothing can be done with it.
+class EndlessTexture final : public gpu::Texture {
+public:
+    EndlessTexture(std::shared_ptr<gpu::Device> owner, std::size_t width, std::size_t height)
+        : gpu::Texture(std::move(owner), {gpu::PixelFormat::BGRA8Unorm, width, height}) {}
+
+private:
+    bool writeRegion(const gpu::Region&, std::span<const std::byte>, std::size_t) override { return false; }
+};
+
 class QZLScreenshotFormat : public QZLScreenshot, public testing::WithParamInterface<gpu::PixelFormat> {
 protected:
     static bool blueFirst() {
@@ -169,14 +179,57 @@ TEST_F(QZLScreenshot, NoTextureIsRefused) {
     EXPECT_TRUE(directoryIsEmpty());
 }
 
-TEST_F(QZLScreenshot, AReadBackThatFailsLeavesNoFile) {
+TEST_F(QZLScreenshot, AReadBackThatFailsAnywhereLeavesNoFileAndNothingElse) {
     const auto source = texture(2, 2, gpu::PixelFormat::BGRA8Unorm, pattern(2, 2));
-    gpu->plan().failingBuffers = {0};
+    const std::size_t before = gpu->liveObjects();
+    const std::vector<std::string> steps{"newBuffer 16", "newCommandQueue", "commandBuffer", "blit"};
+    std::uint64_t call = 3;  // after the device, the texture and its upload
+    for (std::size_t failing = 0; failing < steps.size(); ++failing) {
+        SCOPED_TRACE(steps[failing]);
+        gpu->plan().failingCalls = {call + failing};
+        call += failing + 1;
+        EXPECT_FALSE(QZLSaveScreenshot(path, source));
+        EXPECT_EQ(gpu->calls().back(), steps[failing] + " failed");
+        EXPECT_EQ(gpu->liveObjects(), before);
+        EXPECT_TRUE(directoryIsEmpty());
+    }
+    EXPECT_TRUE(QZLSaveScreenshot(path, source));
+}
+
+TEST_F(QZLScreenshot, WithoutAQueueOrAnEncoderThereIsNone) {
+    const auto source = texture(2, 2, gpu::PixelFormat::BGRA8Unorm, pattern(2, 2));
+    gpu->plan().failingEncoders = {0};
     EXPECT_FALSE(QZLSaveScreenshot(path, source));
-    gpu->plan().failingCommandBuffers = {0};
-    EXPECT_FALSE(QZLSaveScreenshot(path, source));
+    EXPECT_EQ(gpu->calls().back(), "blit failed");
     gpu->plan().noCommandQueue = true;
     EXPECT_FALSE(QZLSaveScreenshot(path, source));
+    EXPECT_TRUE(directoryIsEmpty());
+}
+
+TEST_F(QZLScreenshot, OfALostDeviceThereIsNone) {
+    const auto source = texture(2, 2, gpu::PixelFormat::BGRA8Unorm, pattern(2, 2));
+    gpu->plan().lostAfterCommits = 0;
+    device->newCommandQueue()->commandBuffer()->commit();
+    EXPECT_FALSE(QZLSaveScreenshot(path, source));
+    EXPECT_TRUE(directoryIsEmpty());
+}
+
+TEST_F(QZLScreenshot, AnImageTooLargeForTheFormatIsNotEvenReadBack) {
+    struct Side {
+        std::size_t width;
+        std::size_t height;
+        bool fits;
+    };
+    // 32 bits hold 54 bytes of header and the rows, and 31 bits the length of a row of texels.
+    for (const Side& side :
+         {Side{3, 357913936, true}, Side{3, 357913937, false}, Side{1073741812, 1, false}, Side{536870911, 1, true},
+          Side{536870912, 1, false}, Side{1, 536870911, true}, Side{1, 536870912, false}, Side{37836, 37836, true},
+          Side{37837, 37837, false}, Side{4294967297, 4294967297, false}}) {
+        SCOPED_TRACE(side.width);
+        gpu->clearCalls();
+        EXPECT_FALSE(QZLSaveScreenshot(path, std::make_shared<EndlessTexture>(device, side.width, side.height)));
+        EXPECT_EQ(gpu->calls().size(), side.fits ? 1U : 0U) << "the buffer that the device has no memory for";
+    }
     EXPECT_TRUE(directoryIsEmpty());
 }
 

@@ -1,13 +1,12 @@
 #include "foundation/QZLNumeric.hpp"
 #include "tests/saver/DrawingTest.hpp"
+#include "tests/support/Waiting.hpp"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstring>
-#include <future>
 
 namespace {
 
@@ -178,16 +177,16 @@ TEST_F(QZLCirraneRendererDrawing, SlotIsNotWrittenBeforeItsFormerFrameHasComplet
     const auto buffer = first->draws[1].buffers.at(0);
 
     const auto second = std::make_shared<RecordingCommandBuffer>();
-    auto drawn = std::async(std::launch::async, [&] {
+    fake::StartedCall drawing([&] {
         QZLDrawContext secondContext = contextOf(second, 1);
         secondContext.setBrightness(0.5F);
         renderer->drawFrame(secondContext);
     });
-    EXPECT_EQ(drawn.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout);
+    ASSERT_TRUE(drawing.waits());
     EXPECT_EQ(valueAt<float>(buffer->contents(), 12), 1.0F);
 
     first->complete();
-    ASSERT_EQ(drawn.wait_for(std::chrono::seconds(30)), std::future_status::ready);
+    drawing.finish();
     EXPECT_EQ(valueAt<float>(buffer->contents(), 12), 0.5F);
 }
 

@@ -8,18 +8,24 @@ CommandBuffer::CommandBuffer(std::shared_ptr<Device> device, std::shared_ptr<Sub
     : _device(std::move(device)), _line(std::move(line)) {}
 
 gpu::RenderCommandEncoder* CommandBuffer::beginRenderPass(const gpu::RenderPassDescriptor& descriptor) {
+    if (!attemptEncoder("render " + targetsOf(descriptor))) {
+        return nullptr;
+    }
     _renderEncoder.begin(descriptor);
     return &_renderEncoder;
 }
 
 gpu::ComputeCommandEncoder* CommandBuffer::beginComputePass() {
-    record("compute");
-    return &_computeEncoder;
+    return attemptEncoder("compute") ? &_computeEncoder : nullptr;
 }
 
 gpu::BlitCommandEncoder* CommandBuffer::beginBlitPass() {
-    record("blit");
-    return &_blitEncoder;
+    return attemptEncoder("blit") ? &_blitEncoder : nullptr;
+}
+
+bool CommandBuffer::attemptEncoder(const std::string& call) {
+    Gpu::State& state = _device->state();
+    return state.attempt(call, state.next(&Gpu::State::Counts::encoders, &FaultPlan::failingEncoders));
 }
 
 void CommandBuffer::submit() {
@@ -82,7 +88,8 @@ CommandQueue::CommandQueue(const std::shared_ptr<Device>& device)
 std::shared_ptr<gpu::CommandBuffer> CommandQueue::makeCommandBuffer() {
     const auto owner = std::static_pointer_cast<Device>(device());
     const bool succeeds = owner->state().next(&Gpu::State::Counts::commandBuffers, &FaultPlan::failingCommandBuffers);
-    return owner->state().attempt("commandBuffer", succeeds) ? std::make_shared<CommandBuffer>(owner, _line) : nullptr;
+    return owner->state().attempt("commandBuffer", succeeds) ? owner->state().make<CommandBuffer>(owner, _line)
+                                                             : nullptr;
 }
 
 }  // namespace fake

@@ -41,6 +41,7 @@ private:
     void didAddCompletedHandler() override { record("addCompletedHandler"); }
     void didPresent(const gpu::Drawable& drawable) override;
 
+    bool attemptEncoder(const std::string& call);
     void keepDraws();
 
     const std::shared_ptr<Device> _device;

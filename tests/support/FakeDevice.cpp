@@ -32,7 +32,7 @@ private:
         if (!_state->attempt("newFunction " + name, has(name, type))) {
             return nullptr;
         }
-        return std::make_shared<Function>(shared_from_this(), name, type);
+        return _state->make<Function>(shared_from_this(), name, type);
     }
 
     bool has(const std::string& name, gpu::FunctionType type) const {
@@ -81,7 +81,7 @@ void Device::noteCommit() {
 
 std::shared_ptr<gpu::CommandQueue> Device::makeCommandQueue() {
     const bool succeeds = !_lost && !_state->planSays(&FaultPlan::noCommandQueue);
-    return _state->attempt("newCommandQueue", succeeds) ? std::make_shared<CommandQueue>(self()) : nullptr;
+    return _state->attempt("newCommandQueue", succeeds) ? _state->make<CommandQueue>(self()) : nullptr;
 }
 
 std::shared_ptr<gpu::Texture> Device::makeTexture(const gpu::TextureDescriptor& descriptor) {
@@ -94,7 +94,7 @@ std::shared_ptr<gpu::Texture> Device::makeTexture(const gpu::TextureDescriptor& 
     if (!_state->attempt(call, succeeds && !_lost && length <= memoryOfDevice)) {
         return nullptr;
     }
-    return std::make_shared<Texture>(self(), _state, descriptor);
+    return _state->make<Texture>(self(), _state, descriptor);
 }
 
 std::shared_ptr<gpu::Buffer> Device::makeBuffer(std::size_t length) {
@@ -102,7 +102,7 @@ std::shared_ptr<gpu::Buffer> Device::makeBuffer(std::size_t length) {
     if (!_state->attempt("newBuffer " + std::to_string(length), succeeds && !_lost && length <= memoryOfDevice)) {
         return nullptr;
     }
-    return std::make_shared<Buffer>(self(), length);
+    return _state->make<Buffer>(self(), length);
 }
 
 std::shared_ptr<gpu::Library> Device::makeLibrary(const std::filesystem::path& file) {
@@ -110,7 +110,7 @@ std::shared_ptr<gpu::Library> Device::makeLibrary(const std::filesystem::path& f
     if (!_state->attempt("newLibrary " + file.filename().string(), succeeds)) {
         return nullptr;
     }
-    return std::make_shared<Library>(self(), _state);
+    return _state->make<Library>(self(), _state);
 }
 
 std::shared_ptr<gpu::RenderPipelineState> Device::makeRenderPipelineState(
@@ -121,7 +121,7 @@ std::shared_ptr<gpu::RenderPipelineState> Device::makeRenderPipelineState(
                          succeeds && !_lost)) {
         return nullptr;
     }
-    return std::make_shared<RenderPipelineState>(self(), name);
+    return _state->make<RenderPipelineState>(self(), name);
 }
 
 std::shared_ptr<gpu::ComputePipelineState> Device::makeComputePipelineState(
@@ -130,7 +130,7 @@ std::shared_ptr<gpu::ComputePipelineState> Device::makeComputePipelineState(
     if (!_state->attempt("newComputePipeline " + function->name(), succeeds && !_lost)) {
         return nullptr;
     }
-    return std::make_shared<ComputePipelineState>(self(), function->name());
+    return _state->make<ComputePipelineState>(self(), function->name());
 }
 
 }  // namespace fake

@@ -45,21 +45,28 @@ std::string placeIn(const gpu::Buffer& buffer, std::size_t offset) {
 
 }  // namespace
 
+std::string targetsOf(const gpu::RenderPassDescriptor& descriptor) {
+    std::string targets;
+    for (const gpu::ColorAttachment& attachment : descriptor.colorAttachments) {
+        if (attachment.texture != nullptr) {
+            targets += (targets.empty() ? "" : ", ") + targetText(attachment);
+        }
+    }
+    return "[" + targets + "]";
+}
+
 RenderEncoder::RenderEncoder(CommandBuffer& buffer) : RenderCommandEncoder(buffer), _buffer(buffer) {}
 
 void RenderEncoder::begin(const gpu::RenderPassDescriptor& descriptor) {
     _draw = {};
     _boundBuffers.clear();
     _unstoredTargets.clear();
-    std::string targets;
     for (const gpu::ColorAttachment& attachment : descriptor.colorAttachments) {
         if (attachment.texture != nullptr) {
-            targets += (targets.empty() ? "" : ", ") + targetText(attachment);
             _draw.targets.push_back(nameOf(*attachment.texture));
             load(attachment);
         }
     }
-    _buffer.record("render [" + targets + "]");
 }
 
 void RenderEncoder::load(const gpu::ColorAttachment& attachment) {

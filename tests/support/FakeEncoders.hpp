@@ -14,6 +14,9 @@ namespace fake {
 class CommandBuffer;
 class Texture;
 
+/// How a recorded call tells of a pass's targets.
+std::string targetsOf(const gpu::RenderPassDescriptor& descriptor);
+
 class RenderEncoder final : public gpu::RenderCommandEncoder {
 public:
     explicit RenderEncoder(CommandBuffer& buffer);

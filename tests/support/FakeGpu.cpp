@@ -15,8 +15,11 @@ void Gpu::State::record(const std::string& call) {
 }
 
 bool Gpu::State::attempt(const std::string& call, bool succeeds) {
-    record(succeeds ? call : call + " failed");
-    return succeeds;
+    const std::lock_guard lock(mutex);
+    const bool isPlannedFailure = plan.failingCalls.contains(counts.calls++);
+    const bool succeeded = succeeds && !isPlannedFailure;
+    calls.push_back(succeeded ? call : call + " failed");
+    return succeeded;
 }
 
 bool Gpu::State::next(Count count, Failing failing) {
@@ -88,6 +91,10 @@ void Gpu::completeAll() {
     }
 }
 
+std::size_t Gpu::liveObjects() const {
+    return *_state->liveObjects;
+}
+
 std::size_t Gpu::committedButIncomplete() const {
     return _state->submissions.count();
 }
@@ -108,13 +115,12 @@ std::string Gpu::platformVersion() {
 }
 
 std::shared_ptr<gpu::Layer> Gpu::newLayer() {
-    _state->record("newLayer");
-    return std::make_shared<Layer>(_state);
+    return _state->attempt("newLayer") ? _state->make<Layer>(_state) : nullptr;
 }
 
 std::shared_ptr<gpu::RenderPassDescriptor> Gpu::newRenderPassDescriptor() {
     const bool succeeds = _state->next(&State::Counts::renderPassDescriptors, &FaultPlan::failingRenderPassDescriptors);
-    return _state->attempt("newRenderPassDescriptor", succeeds) ? Backend::newRenderPassDescriptor() : nullptr;
+    return _state->attempt("newRenderPassDescriptor", succeeds) ? _state->make<gpu::RenderPassDescriptor>() : nullptr;
 }
 
 std::vector<std::byte> Gpu::pixels(const gpu::Texture& texture) {
@@ -127,7 +133,7 @@ std::shared_ptr<gpu::Drawable> Gpu::lastPresented(const gpu::Layer& layer) {
 
 std::shared_ptr<gpu::Device> Gpu::openDevice() {
     const bool succeeds = !_state->planSays(&FaultPlan::noDevice);
-    return _state->attempt("openDevice", succeeds) ? std::make_shared<Device>(_state) : nullptr;
+    return _state->attempt("openDevice", succeeds) ? _state->make<Device>(_state) : nullptr;
 }
 
 ScopedGpu::ScopedGpu(FaultPlan plan) : _former(gpu::backend()), _gpu(std::make_shared<Gpu>(std::move(plan))) {

@@ -29,6 +29,10 @@ struct FaultPlan {
     std::set<std::uint64_t> failingRenderPipelines;
     std::set<std::uint64_t> failingComputePipelines;
     std::set<std::uint64_t> failingRenderPassDescriptors;
+    /// Encoders of all three kinds, counted together.
+    std::set<std::uint64_t> failingEncoders;
+    /// All calls that can fail, counted together: every line below that may have " failed" after it.
+    std::set<std::uint64_t> failingCalls;
     /// The device is lost when it is given its commit number n + 1: that commit and all later ones fail at once.
     /// Emptied when it happens, so that a device opened afterwards is sound.
     std::optional<std::uint64_t> lostAfterCommits;
@@ -73,7 +77,8 @@ struct Draw {
 ///     copy RenderTarget0 0,0 64x48 to style0+0 256
 ///     present 0                                commit
 ///
-/// A creation that fails has " failed" after it. Textures and buffers go by their labels, without one by their looks
+/// A creation, an upload or a request for an encoder that fails has " failed" after it. Textures and buffers go by
+/// their labels, without one by their looks
 /// ("R8Snorm 256x256", "64 bytes"); a layer's images by their drawable ("drawable 0").
 class Gpu final : public gpu::Backend {
 public:
@@ -96,6 +101,8 @@ public:
     bool completeNext(bool succeeded = true);
     void completeAll();
     std::size_t committedButIncomplete() const;
+    /// How many of the objects that it has made, of any kind, somebody still holds.
+    std::size_t liveObjects() const;
     /// When on, every command buffer completes within its commit, on the committing thread. Off at first.
     void setCompletesAtCommit(bool completesAtCommit);
 

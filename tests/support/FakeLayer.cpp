@@ -31,7 +31,7 @@ std::shared_ptr<gpu::Drawable> Layer::makeDrawable(const Configuration& configur
     }
     prepare(*image, configuration);
     image->texture->setLabel(name);
-    auto drawable = std::make_shared<Drawable>(weak_from_this(), image->texture, _nextIdentifier++);
+    auto drawable = _state->make<Drawable>(weak_from_this(), image->texture, _nextIdentifier++);
     image->drawable = drawable;
     return drawable;
 }
@@ -52,8 +52,7 @@ void Layer::prepare(Image& image, const Configuration& configuration) {
         const gpu::TextureDescriptor descriptor{configuration.pixelFormat, configuration.drawableSize.width,
                                                 configuration.drawableSize.height, gpu::TextureUsage::RenderTarget,
                                                 gpu::StorageMode::Private};
-        image.texture =
-            std::make_shared<Texture>(configuration.device, _state, descriptor, configuration.framebufferOnly);
+        image.texture = _state->make<Texture>(configuration.device, _state, descriptor, configuration.framebufferOnly);
     }
 }
 

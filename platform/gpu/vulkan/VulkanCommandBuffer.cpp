@@ -25,14 +25,19 @@ void VulkanCommandBuffer::begin() {
     commands().begin({.flags = vk::CommandBufferUsageFlagBits::eOneTimeSubmit});
 }
 
+// On a lost device nothing is encoded: textures may be stand-ins there.
+
 RenderCommandEncoder* VulkanCommandBuffer::beginRenderPass(const RenderPassDescriptor& descriptor) {
+    if (_device->isLost()) {
+        return nullptr;
+    }
     _renderEncoder.begin(descriptor);
     return &_renderEncoder;
 }
 
 ComputeCommandEncoder* VulkanCommandBuffer::beginComputePass() {
     // Its end records a barrier. (The other passes need a texture to record anything.)
-    if (!_device->hasAllFeatures()) {
+    if (!_device->hasAllFeatures() || _device->isLost()) {
         return nullptr;
     }
     _barriers.record();
@@ -41,6 +46,9 @@ ComputeCommandEncoder* VulkanCommandBuffer::beginComputePass() {
 }
 
 BlitCommandEncoder* VulkanCommandBuffer::beginBlitPass() {
+    if (_device->isLost()) {
+        return nullptr;
+    }
     _barriers.record();
     return &_blitEncoder;
 }

@@ -164,8 +164,17 @@ void VulkanDevice::runAndWait(const std::function<void(const vk::raii::CommandBu
     const vk::raii::Fence finished(_device, vk::FenceCreateInfo{});
     const vk::CommandBufferSubmitInfo submitted{.commandBuffer = *commands};
     submit({.commandBufferInfoCount = 1, .pCommandBufferInfos = &submitted}, *finished);
-    vk::resultCheck(_device.waitForFences(*finished, VK_TRUE, std::numeric_limits<std::uint64_t>::max()),
-                    "vkWaitForFences");
+    waitFor(*finished);
+}
+
+void VulkanDevice::waitFor(vk::Fence fence) {
+    try {
+        vk::resultCheck(_device.waitForFences(fence, VK_TRUE, std::numeric_limits<std::uint64_t>::max()),
+                        "vkWaitForFences");
+    } catch (const vk::SystemError&) {
+        waitIdle();  // nothing may be freed that the GPU still uses
+        throw;
+    }
 }
 
 vk::raii::DeviceMemory VulkanDevice::allocate(const vk::MemoryRequirements& requirements,
@@ -246,17 +255,23 @@ std::shared_ptr<Texture> VulkanDevice::makeTexture(const TextureDescriptor& desc
 }
 
 std::shared_ptr<VulkanTexture> VulkanDevice::makeLayerTexture(PixelFormat format, Extent size, bool framebufferOnly) {
-    return create("an image of a layer could not be made", [&]() -> std::shared_ptr<VulkanTexture> {
-        const TextureDescriptor descriptor{.pixelFormat = format,
-                                           .width = size.width,
-                                           .height = size.height,
-                                           .usage = TextureUsage::RenderTarget,
-                                           .storageMode = StorageMode::Private};
+    const TextureDescriptor descriptor{.pixelFormat = format,
+                                       .width = size.width,
+                                       .height = size.height,
+                                       .usage = TextureUsage::RenderTarget,
+                                       .storageMode = StorageMode::Private};
+    auto texture = create("an image of a layer could not be made", [&] {
         if (size.width > maximumTextureSize() || size.height > maximumTextureSize()) {
             throw vk::OutOfDeviceMemoryError("an image cannot be so large");
         }
         return std::make_shared<VulkanTexture>(self(), descriptor, TexturePurpose::LayerImage, framebufferOnly);
     });
+    if (texture == nullptr && isLost()) {
+        texture = attempt("a stand-in for an image could not be made", [&] {
+            return std::make_shared<VulkanTexture>(self(), descriptor, TexturePurpose::StandIn, framebufferOnly);
+        });
+    }
+    return texture;
 }
 
 std::shared_ptr<Buffer> VulkanDevice::makeBuffer(std::size_t length) {

@@ -73,6 +73,8 @@ public:
     vk::Result trySubmit(const vk::SubmitInfo2& submission, vk::Fence fence = {}) noexcept;
     vk::Result present(const vk::PresentInfoKHR& presentation);
     void waitIdle() noexcept;
+    /// Throws when waiting fails; the GPU has finished in that case too.
+    void waitFor(vk::Fence fence);
 
     /// Throws.
     VulkanCommands makeCommands() const;
@@ -87,7 +89,7 @@ public:
                                     vk::MemoryPropertyFlags preferred = {}) const;
 
     /// One image of a layer's ring: render target, source of copies and blits, at rest in TRANSFER_SRC_OPTIMAL, cleared
-    /// to zero. Null on failure.
+    /// to zero. On a lost device a stand-in, so that frames go on; null on any other failure.
     std::shared_ptr<VulkanTexture> makeLayerTexture(PixelFormat format, Extent size, bool framebufferOnly);
 
     /// Names an object for debuggers; nothing where they cannot be named. For raii objects pass `*object`.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,11 @@ bool contains(const std::vector<vk::ExtensionProperties>& extensions, const char
 const vk::raii::Context* loader() {
     static const vk::raii::Context* const context = []() -> const vk::raii::Context* {
         try {
+            const vk::DynamicLoader library;
+            // The context would call this, present or not.
+            if (library.getProcAddress<PFN_vkGetInstanceProcAddr>("vkGetInstanceProcAddr") == nullptr) {
+                throw std::runtime_error("the library of that name is none");
+            }
             return new vk::raii::Context;
         } catch (const std::exception& error) {
             platform::systemLog(std::string("gpu: no Vulkan loader: ") + error.what());

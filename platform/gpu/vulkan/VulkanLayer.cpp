@@ -41,8 +41,8 @@ std::shared_ptr<Drawable> VulkanLayer::makeDrawable(const Configuration& configu
     }
 }
 
-/// Takes up the wanted size and format. On a lost device there can be no new images, and frames fail anyway: there the
-/// former ones go on serving, so that the frame loop keeps its slots.
+/// Takes up the wanted size and format. On a lost device frames fail anyway: there the former images go on serving, or
+/// stand-ins where there are none, so that the frame loop keeps its slots.
 void VulkanLayer::chooseRing(const Configuration& configuration) {
     if (_ring != nullptr && _ring->holds(*configuration.device, configuration.pixelFormat, configuration.drawableSize,
                                          configuration.framebufferOnly)) {
@@ -101,6 +101,9 @@ std::vector<std::byte> VulkanLayer::copyPixels(const Drawable& drawable) {
         return {};
     }
     VulkanDevice& device = texture->vulkanDevice();
+    if (device.isLost()) {
+        return {};
+    }
     return device.attempt("a frame could not be read back", [&] {
         VulkanBuffer buffer(device.self(), texture->width() * texture->height() * readBytesPerPixel);
         device.runAndWait([&](const vk::raii::CommandBuffer& commands) { recordReadBack(commands, *texture, buffer); });

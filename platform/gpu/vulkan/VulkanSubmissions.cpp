@@ -110,12 +110,16 @@ void VulkanSubmissions::completeUntilClosed() {
 }
 
 bool VulkanSubmissions::wait(std::uint64_t timelineValue) noexcept {
-    return _device->attempt("the GPU could not be waited for", [this, timelineValue] {
+    const bool waited = _device->attempt("the GPU could not be waited for", [this, timelineValue] {
         const vk::Semaphore timeline = *_timeline;
         const vk::SemaphoreWaitInfo info{.semaphoreCount = 1, .pSemaphores = &timeline, .pValues = &timelineValue};
         constexpr std::uint64_t forEver = std::numeric_limits<std::uint64_t>::max();
         return _device->handle().waitSemaphores(info, forEver) == vk::Result::eSuccess;
     });
+    if (!waited) {
+        _device->waitIdle();  // nothing may be freed that the GPU still uses
+    }
+    return waited;
 }
 
 void VulkanSubmissions::close() {

@@ -213,8 +213,7 @@ void VulkanSwapchain::noteSuboptimal() {
 }
 
 void VulkanSwapchain::waitAndReset(const vk::raii::Fence& fence) const {
-    constexpr std::uint64_t forEver = std::numeric_limits<std::uint64_t>::max();
-    static_cast<void>(_device->handle().waitForFences(*fence, VK_TRUE, forEver));
+    _device->waitFor(*fence);
     _device->handle().resetFences(*fence);
 }
 

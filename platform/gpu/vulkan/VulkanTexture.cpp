@@ -53,7 +53,7 @@ vk::ImageUsageFlags imageUsage(TextureUsage usage) {
 }
 
 const ImageUse& restFor(const TextureDescriptor& descriptor, TexturePurpose purpose) {
-    if (purpose == TexturePurpose::LayerImage) {
+    if (purpose != TexturePurpose::Ordinary) {
         return use::copySource;
     }
     return contains(descriptor.usage, TextureUsage::ShaderWrite)  ? use::stored
@@ -68,6 +68,9 @@ VulkanTexture::VulkanTexture(const std::shared_ptr<VulkanDevice>& device, const 
     : Texture(device, descriptor, framebufferOnly),
       _format(toVulkan(descriptor.pixelFormat)),
       _rest(restFor(descriptor, purpose)) {
+    if (purpose == TexturePurpose::StandIn) {
+        return;
+    }
     const vk::ImageCreateInfo info{.imageType = vk::ImageType::e2D,
                                    .format = _format,
                                    .extent = {extent().width, extent().height, 1},
@@ -126,7 +129,9 @@ bool VulkanTexture::writeRegion(const Region& region, std::span<const std::byte>
 }
 
 void VulkanTexture::labelDidChange() {
-    vulkanDevice().setName(image(), label());
+    if (*_image) {
+        vulkanDevice().setName(image(), label());
+    }
 }
 
 vk::ImageMemoryBarrier2 imageBarrier(vk::Image image, const ImageUse& from, const ImageUse& to) {

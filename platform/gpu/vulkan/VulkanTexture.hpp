@@ -28,7 +28,8 @@ extern const ImageUse copySource;  ///< copies and blits
 extern const ImageUse copyDestination;
 }  // namespace use
 
-enum class TexturePurpose { Ordinary, LayerImage };
+/// A stand-in is without memory: it is what frames of a lost device are given, which never touch it.
+enum class TexturePurpose { Ordinary, LayerImage, StandIn };
 
 /// An image with its view and memory. Between passes it rests in the one layout that its purpose makes likeliest: layer
 /// images as copy source, those that shaders write in GENERAL, all others ready for sampling. Whoever uses it

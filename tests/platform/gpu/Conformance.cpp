@@ -7,11 +7,7 @@
 #include <thread>
 #include <utility>
 
-namespace {
-
-constexpr std::chrono::seconds patience{10};
-
-}  // namespace
+namespace {}  // namespace
 
 Conformance::Conformance() {
     platform::setSystemLogSink([](std::string_view) {});
@@ -63,7 +59,7 @@ void Conformance::commit(const std::shared_ptr<gpu::CommandBuffer>& buffer) {
 void Conformance::finish() {
     GetParam().step(*backend);
     std::unique_lock lock(_mutex);
-    EXPECT_TRUE(_changed.wait_for(lock, patience, [this] { return _completed == _committed; }))
+    EXPECT_TRUE(_changed.wait_for(lock, fake::deadline, [this] { return _completed == _committed; }))
         << _completed << " of " << _committed << " command buffers completed";
 }
 
@@ -137,15 +133,4 @@ gpu::RenderPassDescriptor passInto(std::shared_ptr<gpu::Texture> texture, gpu::L
     gpu::RenderPassDescriptor descriptor;
     descriptor.colorAttachments[0] = {std::move(texture), loadAction, gpu::StoreAction::Store, color};
     return descriptor;
-}
-
-bool eventually(const std::function<bool()>& condition) {
-    const auto deadline = std::chrono::steady_clock::now() + patience;
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        std::this_thread::yield();
-    }
-    return true;
 }

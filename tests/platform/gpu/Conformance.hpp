@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/gpu/Backend.hpp"
+#include "tests/support/Waiting.hpp"
 
 #include <gtest/gtest.h>
 
@@ -75,5 +76,4 @@ gpu::Region wholeOf(const gpu::Texture& texture);
 gpu::RenderPassDescriptor passInto(std::shared_ptr<gpu::Texture> texture, gpu::LoadAction loadAction,
                                    const gpu::ClearColor& color = {});
 
-/// True as soon as the condition is; false after ten seconds.
-bool eventually(const std::function<bool()>& condition);
+using fake::eventually;

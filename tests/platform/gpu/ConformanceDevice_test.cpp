@@ -138,13 +138,13 @@ TEST_P(Conformance, OnALostDeviceNoResourceIsMade) {
 }
 
 TEST_P(Conformance, OnALostDeviceFramesGoOnAndFailAtOnce) {
-    const auto layer = makeLayer({4, 4});
-    ASSERT_NE(layer->nextDrawable(), nullptr);
     GetParam().loseDevice(*backend, *device);
-
+    const auto layer = makeLayer({4, 4});  // which has no image yet, and can have none
     for (int frame = 0; frame < 5; ++frame) {
         const auto drawable = layer->nextDrawable();
         ASSERT_NE(drawable, nullptr);
+        EXPECT_EQ(drawable->texture()->size(), (gpu::Extent{4, 4}));
+        drawable->texture()->setLabel("Drawable");
         const auto buffer = queue->commandBuffer();
         ASSERT_NE(buffer, nullptr);
         if (auto* const encoder = buffer->renderCommandEncoder(passInto(drawable->texture(), gpu::LoadAction::Clear))) {
@@ -162,4 +162,23 @@ TEST_P(Conformance, OnALostDeviceFramesGoOnAndFailAtOnce) {
         EXPECT_TRUE(eventually([&failed] { return failed == 1; }));
         EXPECT_EQ(scheduled, 1);
     }
+}
+
+TEST_P(Conformance, OnALostDeviceThreeFramesInFlightAndOneBeingShownHaveTheirDrawables) {
+    const auto layer = makeLayer({4, 4});
+    std::vector<std::shared_ptr<gpu::Drawable>> drawables{layer->nextDrawable()};
+    GetParam().loseDevice(*backend, *device);
+    while (drawables.size() < 4) {
+        drawables.push_back(layer->nextDrawable());
+    }
+    EXPECT_EQ(std::count(drawables.begin(), drawables.end(), nullptr), 0);
+    const auto buffer = queue->commandBuffer();
+    ASSERT_NE(buffer, nullptr);
+    if (auto* const encoder = buffer->blitCommandEncoder()) {
+        encoder->copyTextureToTexture(drawables[0]->texture(), wholeOf(*drawables[0]->texture()),
+                                      drawables[3]->texture(), {0, 0});
+    }
+    commit(buffer);
+    finish();
+    EXPECT_EQ(buffer->status(), gpu::CommandBufferStatus::Error);
 }

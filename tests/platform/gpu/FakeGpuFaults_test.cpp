@@ -86,18 +86,71 @@ TEST_F(FakeGpuFaults, TheChosenCreationsFail) {
     gpu.plan().failingComputePipelines = {1};
     gpu.plan().failingRenderPassDescriptors = {1};
     gpu.plan().failingDrawables = {1};
+    gpu.plan().failingEncoders = {1};
     const auto layer = makeLayer();
+    const auto encoding = queue()->commandBuffer();
     const auto kernel = device()->newLibrary(file)->newFunction("Kernel", FunctionType::Kernel);
     for (const bool succeeds : {true, false, true}) {
         EXPECT_EQ(device()->newBuffer(4) != nullptr, succeeds);
         EXPECT_EQ(device()->newTexture({PixelFormat::R8Unorm, 2, 2}) != nullptr, succeeds);
-        EXPECT_EQ(queue()->commandBuffer() != nullptr, succeeds);
+        EXPECT_EQ(encoding->blitCommandEncoder() != nullptr, succeeds);
         EXPECT_EQ(makeRenderPipeline() != nullptr, succeeds);
         EXPECT_EQ(device()->newComputePipelineState(kernel) != nullptr, succeeds);
         EXPECT_EQ(gpu.newRenderPassDescriptor() != nullptr, succeeds);
         EXPECT_EQ(layer->nextDrawable() != nullptr, succeeds);
     }
+    EXPECT_EQ(queue()->commandBuffer(), nullptr);
+    EXPECT_NE(queue()->commandBuffer(), nullptr);
     EXPECT_EQ(layer->nextDrawable()->identifier(), 2u) << "a drawable that failed is not counted";
+}
+
+TEST_F(FakeGpuFaults, EncodersOfEveryKindFail) {
+    const auto target = device()->newTexture({PixelFormat::R8Unorm, 2, 2, gpu::TextureUsage::RenderTarget});
+    gpu::RenderPassDescriptor descriptor;
+    descriptor.colorAttachments[0] = {target, gpu::LoadAction::Clear, gpu::StoreAction::Store, {1, 1, 1, 1}};
+    gpu.plan().failingEncoders = {0, 1, 2};
+    const auto buffer = queue()->commandBuffer();
+    gpu.clearCalls();
+    EXPECT_EQ(buffer->renderCommandEncoder(descriptor), nullptr);
+    EXPECT_EQ(buffer->computeCommandEncoder(), nullptr);
+    EXPECT_EQ(buffer->blitCommandEncoder(), nullptr);
+    EXPECT_EQ(gpu.calls(), (std::vector<std::string>{"render [R8Unorm 2x2 clear(1 1 1 1) store] failed",
+                                                     "compute failed", "blit failed"}));
+    buffer->commit();
+    gpu.completeAll();
+    EXPECT_EQ(fake::Gpu::pixels(*target), std::vector<std::byte>(4)) << "a pass that was not begun clears nothing";
+}
+
+TEST_F(FakeGpuFaults, TheChosenCallsFailWhateverTheyAskFor) {
+    gpu.plan().failingCalls = {1, 3, 4};
+    const auto texture = device()->newTexture({PixelFormat::R8Unorm, 2, 2});
+    EXPECT_EQ(texture, nullptr);
+    EXPECT_NE(device()->newTexture({PixelFormat::R8Unorm, 2, 2}), nullptr);
+    EXPECT_EQ(gpu.newLayer(), nullptr);
+    EXPECT_EQ(gpu.newRenderPassDescriptor(), nullptr);
+    EXPECT_NE(gpu.newRenderPassDescriptor(), nullptr);
+}
+
+TEST_F(FakeGpuFaults, ObjectsAreCountedWhileAnybodyHoldsThem) {
+    EXPECT_EQ(gpu.liveObjects(), 0u);
+    auto buffer = device()->newBuffer(4);
+    EXPECT_EQ(gpu.liveObjects(), 2u) << "the device and the buffer";
+    auto layer = makeLayer();
+    auto drawable = layer->nextDrawable();
+    EXPECT_EQ(gpu.liveObjects(), 5u) << "and a layer, its image and a drawable";
+    drawable.reset();
+    EXPECT_EQ(gpu.liveObjects(), 4u) << "the image is the layer's";
+    layer.reset();
+    buffer.reset();
+    EXPECT_EQ(gpu.liveObjects(), 1u);
+    auto descriptor = gpu.newRenderPassDescriptor();
+    auto commands = queue()->commandBuffer();
+    EXPECT_EQ(gpu.liveObjects(), 4u);
+    commands->commit();
+    commands.reset();
+    EXPECT_EQ(gpu.liveObjects(), 4u) << "what was committed lives until it has completed";
+    gpu.completeAll();
+    EXPECT_EQ(gpu.liveObjects(), 3u);
 }
 
 TEST_F(FakeGpuFaults, ABufferMayFail) {

@@ -23,17 +23,6 @@ void keepLibrariesLoaded() {
 
 }  // namespace
 
-bool eventually(const std::function<bool()>& condition) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    return true;
-}
-
 PresentationTest::PresentationTest() {
     keepLibrariesLoaded();
     platform::setSystemLogSink([this](std::string_view line) {

@@ -4,6 +4,7 @@
 #include "platform/gpu/Backend.hpp"
 #include "platform/gpu/CommandBuffer.hpp"
 #include "platform/gpu/Layer.hpp"
+#include "tests/support/Waiting.hpp"
 
 #include <gtest/gtest.h>
 
@@ -50,5 +51,4 @@ private:
     std::vector<std::string> _log;
 };
 
-/// True as soon as `condition` is; false after ten seconds.
-bool eventually(const std::function<bool()>& condition);
+using fake::eventually;
