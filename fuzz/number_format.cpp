@@ -5,6 +5,7 @@
 #include <fuzzer/FuzzedDataProvider.h>
 
 #include <array>
+#include <bit>
 
 namespace {
 

@@ -4,7 +4,6 @@
 #include "platform/FileContents.hpp"
 #include "platform/PreferencesFile.hpp"
 
-#include <algorithm>
 #include <optional>
 
 using platform::PreferencesFile;
