@@ -1,7 +1,7 @@
 // From the start of a process to its first completed frame, and its peak of resident memory, for a loop written by hand
 // and for the framework; and the same for the whole program, which tells of its first frame only by ending after it.
 // A program of its own, because a process's peak counts the one that it was started from.
-// Usage: startup_benchmark FRAME_LOOP_BENCHMARK CIRRANE [RUNS]
+// Usage: startup_benchmark FRAME_LOOP_BENCHMARK CIRRANE DEVICE [RUNS]
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -99,19 +99,20 @@ bool measure(const std::string& size, std::vector<Row> rows, int runs, char** en
 }  // namespace
 
 int main(int argumentCount, char** arguments, char** environment) {
-    if (argumentCount < 3) {
-        std::fprintf(stderr, "usage: startup_benchmark FRAME_LOOP_BENCHMARK CIRRANE [RUNS]\n");
+    if (argumentCount < 4) {
+        std::fprintf(stderr, "usage: startup_benchmark FRAME_LOOP_BENCHMARK CIRRANE DEVICE [RUNS]\n");
         return 2;
     }
     const std::string loops = arguments[1];
     const std::string program = arguments[2];
-    const int runs = argumentCount > 3 ? std::max(1, std::atoi(arguments[3])) : 11;
+    const std::string device = arguments[3];  // that the program chooses by itself
+    const int runs = argumentCount > 4 ? std::max(1, std::atoi(arguments[4])) : 11;
     std::printf("Start, and peak of resident memory (of the loops after 30 frames); medians of %d runs by turns:\n\n",
                 runs);
     std::printf("| | ms | ratio | MiB resident at most | ratio |\n|---|---|---|---|---|\n");
     for (const std::string size : {"1920x1080", "640x480"}) {
         const std::vector<Row> rows{
-            {"bare loop, to the first frame", {loops, "--loop", "bare", size, "30"}, {}, {}},
+            {"bare loop, to the first frame", {loops, "--loop", "bare", size, "30", device}, {}, {}},
             {"framework, to the first frame", {loops, "--loop", "framework", size, "30"}, {}, {}},
             {"program, one frame and to its end", {program, "--headless", "--size", size, "--frames", "1"}, {}, {}},
         };

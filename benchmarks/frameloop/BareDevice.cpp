@@ -18,7 +18,7 @@ vk::raii::Instance makeInstance(const vk::raii::Context& context) {
 
 vk::raii::PhysicalDevice choose(const vk::raii::Instance& instance, const std::string& name) {
     for (vk::raii::PhysicalDevice& device : instance.enumeratePhysicalDevices()) {
-        if (name.empty() || name == device.getProperties().deviceName.data()) {
+        if (name == device.getProperties().deviceName.data()) {
             return std::move(device);
         }
     }
@@ -105,7 +105,7 @@ void BareDevice::runAndWait(const std::function<void(const vk::raii::CommandBuff
     _queue.waitIdle();
 }
 
-const BareUse nothing{vk::ImageLayout::eUndefined, vk::PipelineStageFlagBits2::eAllCommands, {}};
+const BareUse nothing{vk::ImageLayout::eUndefined, vk::PipelineStageFlagBits2::eNone, {}};
 const BareUse colorTarget{vk::ImageLayout::eColorAttachmentOptimal, vk::PipelineStageFlagBits2::eColorAttachmentOutput,
                           vk::AccessFlagBits2::eColorAttachmentWrite};
 const BareUse sampledByFragments{vk::ImageLayout::eShaderReadOnlyOptimal, vk::PipelineStageFlagBits2::eFragmentShader,

@@ -25,7 +25,7 @@ struct BareBuffer {
 /// A Vulkan device with one queue, as plain as can be. Throws what Vulkan-Hpp throws.
 class BareDevice {
 public:
-    /// The device of that name; the first for an empty one.
+    /// The device of that name.
     explicit BareDevice(const std::string& name);
 
     const vk::raii::Device& handle() const { return _device; }

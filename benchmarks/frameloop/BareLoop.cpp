@@ -147,7 +147,7 @@ void BareLoop::writeSets(Slot& slot) {
     write(slot.lightSets, slot.lightStyle, slot.color, slot.height);
 }
 
-Run BareLoop::run(std::size_t frames, Pace pace) {
+Run BareLoop::run(std::size_t frames, Pace pace, LastPicture lastPicture) {
     BareSky sky(_intermediate.width, _intermediate.height);
     Run result;
     result.cpuMicroseconds.reserve(frames);
@@ -157,14 +157,14 @@ Run BareLoop::run(std::size_t frames, Pace pace) {
     for (std::size_t frame = 0; frame < frames; ++frame) {
         if (frame >= atOnce) {
             waitFor(before + frame - atOnce + 1);
+            if (frame == atOnce) {
+                firstCompleted = steady_clock::now();
+                if (frameHooks().firstCompleted != nullptr) {
+                    frameHooks().firstCompleted();
+                }
+            }
             if (pace == Pace::SlotIsFree) {
                 std::this_thread::sleep_for(settling);
-            }
-        }
-        if (frame == atOnce) {
-            firstCompleted = steady_clock::now();
-            if (frameHooks().firstCompleted != nullptr) {
-                frameHooks().firstCompleted();
             }
         }
         if (frameHooks().begin != nullptr) {
@@ -180,7 +180,9 @@ Run BareLoop::run(std::size_t frames, Pace pace) {
     waitFor(_submitted);
     const std::chrono::duration<double> taken = steady_clock::now() - firstCompleted;
     result.framesPerSecond = static_cast<double>(frames - 1) / taken.count();
-    result.lastPicture = readPicture(_slots[(frames - 1) % slots]);
+    if (lastPicture == LastPicture::Read) {
+        result.lastPicture = readPicture(_slots[(frames - 1) % slots]);
+    }
     return result;
 }
 

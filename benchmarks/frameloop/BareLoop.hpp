@@ -17,7 +17,7 @@ public:
     BareLoop(const std::string& deviceName, const std::filesystem::path& shaderLibrary, Size size);
     ~BareLoop() override;
 
-    Run run(std::size_t frames, Pace pace) override;
+    Run run(std::size_t frames, Pace pace, LastPicture lastPicture) override;
 
 private:
     struct Slot {

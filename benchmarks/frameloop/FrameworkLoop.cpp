@@ -22,14 +22,12 @@ constexpr std::chrono::minutes patience{10};
 /// Notes the frames of one run as they complete; keeps the last one's pixels.
 class Completions final : public gpu::FrameObserver {
 public:
-    explicit Completions(std::size_t frames) : _frames(frames) {}
+    Completions(std::size_t frames, LastPicture lastPicture) : _frames(frames), _lastPicture(lastPicture) {}
 
-    void waitFor(std::size_t frames) {
+    /// False when a frame failed or takes too long.
+    bool waitFor(std::size_t frames) {
         std::unique_lock lock(_mutex);
-        const bool came = _changed.wait_for(lock, patience, [&] { return _completed >= frames || _failed; });
-        if (!came || _failed) {
-            throw std::runtime_error("a frame did not complete");
-        }
+        return _changed.wait_for(lock, patience, [&] { return _completed >= frames || _failed; }) && !_failed;
     }
 
     double framesPerSecond() const {
@@ -50,7 +48,9 @@ public:
         }
         if (_completed + 1 == _frames) {
             _last = now;
-            _picture = drawable.layer()->readPixels(drawable);
+            if (_lastPicture == LastPicture::Read) {
+                _picture = drawable.layer()->readPixels(drawable);
+            }
         }
         ++_completed;
         _changed.notify_all();
@@ -61,6 +61,7 @@ public:
 
 private:
     const std::size_t _frames;
+    const LastPicture _lastPicture;
     std::mutex _mutex;
     std::condition_variable _changed;
     std::size_t _completed = 0;
@@ -98,7 +99,9 @@ private:
         auto& self = *static_cast<MeasuredLink*>(context);
         const std::size_t frame = self._cpuMicroseconds.size();
         if (self._pace == Pace::SlotIsFree && frame >= slots - 1) {
-            self._completions.waitFor(frame - (slots - 1) + 1);
+            if (!self._completions.waitFor(frame - (slots - 1) + 1)) {
+                return platform::displayLinkError;  // who waits for the run tells of it
+            }
             std::this_thread::sleep_for(settling);
         }
         if (frameHooks().begin != nullptr) {
@@ -155,9 +158,9 @@ private:
 
 }  // namespace
 
-Run FrameworkLoop::run(std::size_t frames, Pace pace) {
+Run FrameworkLoop::run(std::size_t frames, Pace pace, LastPicture lastPicture) {
     Run result;
-    const auto completions = std::make_shared<Completions>(frames);
+    const auto completions = std::make_shared<Completions>(frames, lastPicture);
     const auto makeLink = [&] {
         return std::make_unique<MeasuredLink>(frames, pace, *completions, result.cpuMicroseconds);
     };
@@ -168,7 +171,9 @@ Run FrameworkLoop::run(std::size_t frames, Pace pace) {
     if (const auto error = session->startAnimation()) {
         throw std::runtime_error(error->localizedDescription());
     }
-    completions->waitFor(frames);
+    if (!completions->waitFor(frames)) {
+        throw std::runtime_error("a frame did not complete");
+    }
     session->stopAnimation();
     result.framesPerSecond = completions->framesPerSecond();
     result.lastPicture = completions->takePicture();

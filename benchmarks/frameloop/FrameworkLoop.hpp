@@ -14,7 +14,7 @@ public:
     /// The module must have been loaded, and the backend and the settings be in force.
     FrameworkLoop(const platform::SaverModule& module, Size size) : _module(module), _size(size) {}
 
-    Run run(std::size_t frames, Pace pace) override;
+    Run run(std::size_t frames, Pace pace, LastPicture lastPicture) override;
 
 private:
     const platform::SaverModule& _module;

@@ -29,6 +29,8 @@ enum class Pace {
 /// That little, in which who gave the slot back comes to rest.
 inline constexpr std::chrono::microseconds settling{500};
 
+enum class LastPicture { Read, Ignored };
+
 /// What came of drawing some frames.
 struct Run {
     /// Frames after the first over the seconds from the first one's completion to the last one's.
@@ -36,7 +38,7 @@ struct Run {
     /// CPU time of the drawing thread for each frame: at `SlotIsFree` from having its slot to after its commit,
     /// otherwise with the wait for the slot (which takes no CPU time but the system call's).
     std::vector<double> cpuMicroseconds;
-    /// The last frame, 4 bytes a pixel, top row first.
+    /// The last frame, where it was to be read: 4 bytes a pixel, top row first.
     std::vector<std::byte> lastPicture;
 };
 
@@ -46,7 +48,7 @@ public:
     Loop(const Loop&) = delete;
     Loop& operator=(const Loop&) = delete;
     virtual ~Loop() = default;
-    virtual Run run(std::size_t frames, Pace pace) = 0;
+    virtual Run run(std::size_t frames, Pace pace, LastPicture lastPicture) = 0;
 
 protected:
     Loop() = default;

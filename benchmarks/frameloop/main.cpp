@@ -1,7 +1,8 @@
 // What the framework's frame loop costs beside a loop written by hand for the same two passes, in one process, by
 // turns. Usage: frame_loop_benchmark [--rounds N]
-//        frame_loop_benchmark --loop framework|bare WIDTHxHEIGHT FRAMES   (one loop alone: for profilers, and its
-//        start)
+//        frame_loop_benchmark --device                           prints the name of the device that is measured
+//        frame_loop_benchmark --loop framework WIDTHxHEIGHT FRAMES          one loop alone, for profilers and its start
+//        frame_loop_benchmark --loop bare WIDTHxHEIGHT FRAMES DEVICE
 #include "benchmarks/frameloop/Allocations.hpp"
 #include "benchmarks/frameloop/BareLoop.hpp"
 #include "benchmarks/frameloop/FrameworkLoop.hpp"
@@ -29,6 +30,8 @@ namespace fs = std::filesystem;
 
 /// Frames before anything is counted: caches are warm, lists have grown, the fade is over.
 constexpr std::size_t warmUp = 70;
+/// A GPU may draw thousands a second, which the pace that CPU time is measured at does not reach.
+constexpr std::size_t pacedFrames = 1000;
 
 /// The real clocks, but for the time of day, which the clouds grow from.
 class SeedClock final : public platform::Clock {
@@ -92,8 +95,8 @@ int difference(const std::vector<std::byte>& a, const std::vector<std::byte>& b)
 
 /// As many frames as take about two seconds, but enough to be past the warm-up.
 std::size_t framesToRun(bench::Loop& bare) {
-    return std::max(3 * warmUp,
-                    static_cast<std::size_t>(2.0 * bare.run(warmUp, bench::Pace::AsFastAsPossible).framesPerSecond));
+    const bench::Run trial = bare.run(warmUp, bench::Pace::AsFastAsPossible, bench::LastPicture::Ignored);
+    return std::max(3 * warmUp, static_cast<std::size_t>(2.0 * trial.framesPerSecond));
 }
 
 void compare(bench::Loop& framework, bench::Loop& bare, bench::Size size, int rounds) {
@@ -101,21 +104,21 @@ void compare(bench::Loop& framework, bench::Loop& bare, bench::Size size, int ro
     std::vector<double> frameworkRate, bareRate, rateRatio, frameworkCpu, bareCpu, cpuRatio;
     int largestDifference = 0;
     for (int round = 0; round < rounds; ++round) {
-        const auto pair = [&](bench::Pace pace) {
+        const auto pair = [&](bench::Pace pace, std::size_t count) {
             // Who goes first changes from round to round.
-            bench::Run first = (round % 2 == 0 ? framework : bare).run(frames, pace);
-            bench::Run second = (round % 2 == 0 ? bare : framework).run(frames, pace);
+            bench::Run first = (round % 2 == 0 ? framework : bare).run(count, pace, bench::LastPicture::Read);
+            bench::Run second = (round % 2 == 0 ? bare : framework).run(count, pace, bench::LastPicture::Read);
             if (round % 2 != 0) {
                 std::swap(first, second);
             }
             largestDifference = std::max(largestDifference, difference(first.lastPicture, second.lastPicture));
             return std::pair(std::move(first), std::move(second));
         };
-        const auto [ours, theirs] = pair(bench::Pace::AsFastAsPossible);
+        const auto [ours, theirs] = pair(bench::Pace::AsFastAsPossible, frames);
         frameworkRate.push_back(ours.framesPerSecond);
         bareRate.push_back(theirs.framesPerSecond);
         rateRatio.push_back(ours.framesPerSecond / theirs.framesPerSecond);
-        const auto [oursPaced, theirsPaced] = pair(bench::Pace::SlotIsFree);
+        const auto [oursPaced, theirsPaced] = pair(bench::Pace::SlotIsFree, std::min(frames, pacedFrames));
         frameworkCpu.push_back(medianCpu(oursPaced));
         bareCpu.push_back(medianCpu(theirsPaced));
         cpuRatio.push_back(medianCpu(oursPaced) / medianCpu(theirsPaced));
@@ -139,7 +142,7 @@ void countAllocations(const char* name, bench::Loop& loop) {
         }
     };
     bench::frameHooks().end = [] { bench::stopCountingAllocations(); };
-    loop.run(warmUp + counted, bench::Pace::AsFastAsPossible);
+    loop.run(warmUp + counted, bench::Pace::AsFastAsPossible, bench::LastPicture::Ignored);
     bench::frameHooks() = {};
     for (const bench::AllocationSite& site : bench::takeAllocationSites()) {
         std::printf("| %s | %s | %.2f |\n", name, site.place.c_str(), static_cast<double>(site.count) / counted);
@@ -169,34 +172,45 @@ int measure(int rounds) {
 }
 
 /// Draws with one loop only; writes a byte to standard output when the first frame has completed.
-int runAlone(std::string_view kind, bench::Size size, std::size_t frames) {
+int runAlone(bench::Loop& loop, std::size_t frames) {
     bench::frameHooks().firstCompleted = [] { static_cast<void>(!write(STDOUT_FILENO, "1", 1)); };
-    if (kind == "framework") {
-        bench::FrameworkLoop(prepareFramework(), size).run(frames, bench::Pace::SlotIsFree);
-    } else {
-        bench::BareLoop({}, shaderLibrary(), size).run(frames, bench::Pace::SlotIsFree);
-    }
+    loop.run(frames, bench::Pace::SlotIsFree, bench::LastPicture::Ignored);
     return 0;
+}
+
+int run(const std::vector<std::string>& arguments) {
+    if (arguments.empty()) {
+        return measure(7);
+    }
+    if (arguments.size() == 2 && arguments[0] == "--rounds") {
+        return measure(std::stoi(arguments[1]));
+    }
+    if (arguments.size() == 1 && arguments[0] == "--device") {
+        gpu::setBackend(gpu::vulkan::makeVulkanBackend({}));
+        std::puts(requireDevice()->name().c_str());
+        return 0;
+    }
+    bench::Size size;
+    if (arguments.size() >= 4 && arguments[0] == "--loop" &&
+        std::sscanf(arguments[2].c_str(), "%ux%u", &size.width, &size.height) == 2) {
+        if (arguments[1] == "framework" && arguments.size() == 4) {
+            bench::FrameworkLoop loop(prepareFramework(), size);
+            return runAlone(loop, std::stoul(arguments[3]));
+        }
+        if (arguments[1] == "bare" && arguments.size() == 5) {
+            bench::BareLoop loop(arguments[4], shaderLibrary(), size);
+            return runAlone(loop, std::stoul(arguments[3]));
+        }
+    }
+    std::fprintf(stderr, "usage: frame_loop_benchmark [--rounds N]\n");
+    return 2;
 }
 
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
     try {
-        if (argumentCount == 5 && std::string_view(arguments[1]) == "--loop") {
-            bench::Size size;
-            if (std::sscanf(arguments[3], "%ux%u", &size.width, &size.height) == 2) {
-                return runAlone(arguments[2], size, std::stoul(arguments[4]));
-            }
-        }
-        if (argumentCount == 1) {
-            return measure(7);
-        }
-        if (argumentCount == 3 && std::string_view(arguments[1]) == "--rounds") {
-            return measure(std::atoi(arguments[2]));
-        }
-        std::fprintf(stderr, "usage: frame_loop_benchmark [--rounds N]\n");
-        return 2;
+        return run({arguments + 1, arguments + argumentCount});
     } catch (const std::exception& error) {
         std::fprintf(stderr, "frame_loop_benchmark: %s\n", error.what());
         return 1;

@@ -36,6 +36,7 @@ protected:
     /// Shows that time goes by in which the loop could have gone on.
     static void letOthersRefresh() {
         fake::RefreshingView other;
+        other.stopTimeout = fake::deadline;
         std::unique_ptr<platform::DisplayLink> link;
         ASSERT_EQ(other.createDisplayLink(1, link), platform::displayLinkSuccess);
         ASSERT_EQ(link->setOutputCallback([](auto...) { return 0; }, nullptr), platform::displayLinkSuccess);
@@ -123,10 +124,10 @@ protected:
     }
 
     void stick() {
-        _stuck = renderer.get();
         freeze({"", {0, 2}, {}});
         renderer->stopAnimation();
         ASSERT_TRUE(renderer->isAbandoned());
+        _stuck = renderer.get();  // which, abandoned, nobody else lets go of
     }
 
 private:

@@ -78,8 +78,8 @@ struct Draw {
 ///     present 0                                commit
 ///
 /// A creation, an upload or a request for an encoder that fails has " failed" after it. Textures and buffers go by
-/// their labels, without one by their looks
-/// ("R8Snorm 256x256", "64 bytes"); a layer's images by their drawable ("drawable 0").
+/// their labels, without one by their looks ("R8Snorm 256x256", "64 bytes"); a layer's images by their drawable
+/// ("drawable 0").
 class Gpu final : public gpu::Backend {
 public:
     explicit Gpu(FaultPlan plan = {});

@@ -17,6 +17,8 @@ public:
     void add(const vk::ImageMemoryBarrier2& barrier);
     /// Before any command that may depend on them.
     void record();
+    /// When what was recorded is given up.
+    void clear() { _count = 0; }
 
 private:
     const vk::raii::CommandBuffer& _commands;

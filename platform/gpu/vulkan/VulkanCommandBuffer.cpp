@@ -20,6 +20,7 @@ void VulkanCommandBuffer::begin() {
     _timelineValue.store(0, std::memory_order_release);
     _hasLabel = false;
     _topology.reset();
+    _barriers.clear();
     _descriptors.recycle();
     _commands.pool.reset();
     commands().begin({.flags = vk::CommandBufferUsageFlagBits::eOneTimeSubmit});

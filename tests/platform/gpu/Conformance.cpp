@@ -3,11 +3,7 @@
 #include "platform/SystemLog.hpp"
 #include "tests/support/KeptLibraries.hpp"
 
-#include <chrono>
-#include <thread>
 #include <utility>
-
-namespace {}  // namespace
 
 Conformance::Conformance() {
     platform::setSystemLogSink([](std::string_view) {});

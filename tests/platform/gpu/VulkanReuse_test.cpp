@@ -49,6 +49,18 @@ TEST_P(VulkanDrawing, ABufferThatReplacesAnotherIsNotTakenForIt) {
     }
 }
 
+TEST_P(VulkanDrawing, WhatABufferThatWasGivenUpHasBegunIsNotGoneOnWithInTheNextOne) {
+    const auto target = makeTarget({1, 1});
+    clear(target, {0.2, 0, 0, 1});
+    finish();
+    for (int round = 0; round < 5; ++round) {
+        const auto abandoned = makeTarget({1, 1});
+        queue->commandBuffer()->renderCommandEncoder(passInto(abandoned, LoadAction::Clear))->endEncoding();
+        queue->commandBuffer()->renderCommandEncoder(passInto(target, LoadAction::Clear))->endEncoding();
+    }
+    EXPECT_EQ(redsOf(readBack(target)), bytesOf({51}));
+}
+
 TEST_P(VulkanDrawing, PassesOverTheSameTargetFollowOneAnother) {
     const auto target = makeTarget({4, 1});
     const auto texture = makeFilledTexture(PixelFormat::R8Unorm, {1, 1}, bytesOf({200}));
