@@ -1,5 +1,6 @@
 #include "host/ModuleLoader.hpp"
 
+#include "host/LibraryFile.hpp"
 #include "platform/Bundle.hpp"
 
 #include <dlfcn.h>
@@ -57,6 +58,9 @@ std::variant<const platform::SaverModule*, std::string> loadSaverModule(const st
         return "the bundle " + directory.string() + " has no usable Info.json";
     }
 
+    if (!isWholeLibrary(directory / *library)) {
+        return "the saver cannot be loaded: " + (directory / *library).string() + " is missing or damaged";
+    }
     void* handle = dlopen((directory / *library).c_str(), RTLD_NOW | RTLD_LOCAL);
     if (handle == nullptr) {
         return "the saver cannot be loaded: " + lastLoaderError();

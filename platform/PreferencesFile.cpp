@@ -18,6 +18,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -58,21 +59,43 @@ bool isSound(std::string_view bytes) {
 }
 
 /// Keeps other writers of a directory's files waiting for the life of this object, where the file system offers such a
-/// lock. None is left behind by a process that dies.
+/// lock. None is left behind by a process that dies; for one that stands still nobody waits for ever.
 class WritersLock {
 public:
     explicit WritersLock(const std::filesystem::path& directory)
         : _descriptor(open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-        while (flock(_descriptor, LOCK_EX) != 0 && errno == EINTR) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(5);
+        while (flock(_descriptor, LOCK_EX | LOCK_NB) != 0 && (errno == EINTR || errno == EWOULDBLOCK)) {
+            if (std::chrono::steady_clock::now() > end) {
+                _isHeldByAnother = true;
+                return;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
         }
     }
     ~WritersLock() { close(_descriptor); }
     WritersLock(const WritersLock&) = delete;
     WritersLock& operator=(const WritersLock&) = delete;
 
+    bool isHeldByAnother() const { return _isHeldByAnother; }
+
 private:
     const int _descriptor;
+    bool _isHeldByAnother = false;
 };
+
+/// The file's bytes, no bytes when there is no file; nothing when it is no file that can be read, or out of all size.
+std::optional<std::string> formerBytes(const std::filesystem::path& path) {
+    constexpr std::uintmax_t maximumBytes = std::uintmax_t{16} * 1024 * 1024;
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(path, error);
+    if (status.type() == std::filesystem::file_type::not_found) {
+        return std::string();
+    }
+    std::string bytes;
+    const bool isRead = std::filesystem::is_regular_file(status) && !readFile(path, maximumBytes, bytes);
+    return isRead ? std::optional(std::move(bytes)) : std::nullopt;
+}
 
 /// QSettings takes a file of the same size and time, in milliseconds, for the one that it knows; and many a file
 /// system's clock goes in larger steps.
@@ -222,7 +245,11 @@ private:
 }  // namespace
 
 std::optional<PreferencesFile::Texts> PreferencesFile::read() const {
-    if (!isText(fileContents(_path))) {
+    const auto bytes = formerBytes(_path);
+    if (!bytes) {
+        return std::nullopt;
+    }
+    if (bytes->empty() || !isText(*bytes)) {
         return Texts{};
     }
     const QSettings settings(qString(_path), QSettings::IniFormat);
@@ -235,16 +262,19 @@ bool PreferencesFile::write(const Changes& changes) const {
     }
     const WritersLock lock(_path.parent_path());
     const std::filesystem::path target = resolved(_path);
-    const std::string former = fileContents(_path);
-    if (isSound(former)) {
+    const auto former = formerBytes(_path);
+    if (lock.isHeldByAnother() || !former) {
+        return false;
+    }
+    if (isSound(*former)) {
         const Draft draft(target);
-        if (draft.merge(former, changes, Damage::None)) {
+        if (draft.merge(*former, changes, Damage::None)) {
             return putInPlace(draft.path(), target);
         }
         // Full disk, or something in the file that QSettings takes as sound but does not write again.
     }
     const Draft draft(target);
-    return draft.merge(isText(former) ? former : "", changes, Damage::Removed) && keepAside(former) &&
+    return draft.merge(isText(*former) ? *former : "", changes, Damage::Removed) && keepAside(*former) &&
            putInPlace(draft.path(), target);
 }
 

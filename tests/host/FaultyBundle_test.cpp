@@ -125,7 +125,8 @@ TEST_F(FaultyBundle, ADamagedInformationListIsAClearFailure) {
 
 TEST_F(FaultyBundle, ATruncatedSaverIsAClearFailure) {
     const std::string sound = fake::readFile(bundle / "Cirrane.so");
-    for (const std::size_t size : {std::size_t{0}, std::size_t{100}}) {
+    ASSERT_GT(sound.size(), 100000U);
+    for (const std::size_t size : {0U, 100U, 1000U, 50000U}) {
         fake::writeFile(bundle / "Cirrane.so", sound.substr(0, size));
         const ProcessEnd end = run();
         EXPECT_EQ(end.exitStatus, 1);

@@ -3,6 +3,7 @@
 #include "tests/platform/FilePreferencesStoreTest.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 namespace {
 
@@ -95,6 +96,25 @@ TEST_F(FilePreferencesStoreDamage, WhatCannotBeWrittenAgainIsKeptAsideAndLeavesA
         std::filesystem::remove(damaged());
     }
     EXPECT_EQ(open()->floatForKey("Zoom"), 1.0F);
+}
+
+TEST_F(FilePreferencesStoreDamage, AFileThatCannotBeReadIsNeverReplaced) {
+    write("Zoom=0.25\n");
+    std::filesystem::resize_file(file, std::uintmax_t{17} * 1024 * 1024);  // too large to be one of settings
+    const auto store = open();
+    EXPECT_EQ(store->floatForKey("Zoom"), 0.0F);
+    store->setFloat(0.75F, "Speed");
+    EXPECT_FALSE(store->synchronize());
+    EXPECT_EQ(store->floatForKey("Speed"), 0.75F);
+    EXPECT_EQ(std::filesystem::file_size(file), std::uintmax_t{17} * 1024 * 1024);
+}
+
+TEST_F(FilePreferencesStoreDamage, APipeInTheFilesPlaceKeepsNobodyWaiting) {
+    ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
+    const auto store = open();
+    store->setFloat(0.75F, "Speed");
+    EXPECT_FALSE(store->synchronize());
+    EXPECT_EQ(store->floatForKey("Speed"), 0.75F);
 }
 
 TEST_F(FilePreferencesStoreDamage, ALinePartsOfWhichLookLikeForeignValuesReadsAsItsText) {
