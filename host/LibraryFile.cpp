@@ -22,9 +22,12 @@ bool readRecord(std::ifstream& stream, std::uintmax_t offset, Record& record) {
 bool isWholeLibrary(const std::filesystem::path& file) {
     std::error_code error;
     const std::uintmax_t size = std::filesystem::file_size(file, error);
+    if (error) {
+        return false;  // before opening it: a pipe would wait for its writer
+    }
     std::ifstream stream(file, std::ios::binary);
     ElfW(Ehdr) header{};
-    if (error || !readRecord(stream, 0, header) || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 ||
+    if (!readRecord(stream, 0, header) || std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0 ||
         header.e_phentsize != sizeof(ElfW(Phdr))) {
         return false;
     }

@@ -1,5 +1,6 @@
-// What the framework's frame loop costs beside a loop written by hand for the same two passes, in one process, by
-// turns. Usage: frame_loop_benchmark [--rounds N]
+// What the framework's frame loop costs beside a loop written by hand for the same two passes, in one process, by turns.
+//
+// Usage: frame_loop_benchmark [--rounds N]
 //        frame_loop_benchmark --device                           prints the name of the device that is measured
 //        frame_loop_benchmark --loop framework WIDTHxHEIGHT FRAMES          one loop alone, for profilers and its start
 //        frame_loop_benchmark --loop bare WIDTHxHEIGHT FRAMES DEVICE
