@@ -100,11 +100,7 @@ LayerWidget::LayerWidget(QWidget* parent) : QWidget(parent), _view(std::make_sha
 
     _settling.setSingleShot(true);
     _settling.setInterval(sizeSettlingMilliseconds);
-    QObject::connect(&_settling, &QTimer::timeout, this, [this] {
-        if (_sizeSettled) {
-            _sizeSettled();
-        }
-    });
+    QObject::connect(&_settling, &QTimer::timeout, this, [this] { sizeSettled(); });
 }
 
 LayerWidget::~LayerWidget() {
@@ -113,7 +109,7 @@ LayerWidget::~LayerWidget() {
 }
 
 std::shared_ptr<HostView> LayerWidget::hostView() const {
-    return _view;
+    return _standIn != nullptr ? _standIn : _view;
 }
 
 void LayerWidget::setLayer(std::shared_ptr<gpu::Layer> layer) {

@@ -5,7 +5,6 @@
 
 #include <QtCore/QTimer>
 #include <QtWidgets/QWidget>
-#include <functional>
 #include <memory>
 
 namespace gpu {
@@ -24,17 +23,19 @@ public:
     explicit LayerWidget(QWidget* parent = nullptr);
     ~LayerWidget() override;
 
-    /// This widget as the view that a renderer is attached to. Empty, 0 x 0, once the widget has gone.
+    /// What renderers are attached to: this widget, empty (0 x 0) once it has gone, or a stand-in.
     std::shared_ptr<HostView> hostView() const;
-
-    /// Called when the widget has been resized, also by being shown first, and has then stood still for a while.
-    /// Meanwhile the picture is stretched.
-    void setSizeSettledHandler(std::function<void()> handler) { _sizeSettled = std::move(handler); }
+    /// Renderers attached from now on meet this one instead of the widget: for runs that show no window, and for tests.
+    void setHostView(std::shared_ptr<HostView> standIn) { _standIn = std::move(standIn); }
 
     /// Shows this layer's frames, or none. Returns when the former layer's frames are no longer shown.
     void setLayer(std::shared_ptr<gpu::Layer> layer);
 
 protected:
+    /// The widget has been resized, also by being shown first, and has then stood still for a while. Meanwhile the
+    /// picture was stretched.
+    virtual void sizeSettled() {}
+
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
@@ -49,9 +50,9 @@ private:
     void placeLayer();
 
     std::shared_ptr<View> _view;
+    std::shared_ptr<HostView> _standIn;
     std::shared_ptr<gpu::Layer> _layer;
     std::unique_ptr<X11LayerWindow> _layerWindow;
-    std::function<void()> _sizeSettled;
     QTimer _settling;
 };
 
