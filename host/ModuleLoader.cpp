@@ -68,7 +68,7 @@ std::variant<const platform::SaverModule*, std::string> loadSaverModule(const st
     const auto entryPoint = reinterpret_cast<platform::SaverModuleEntryPoint>(dlsym(handle, entryPointName->c_str()));
     const platform::SaverModule* module = entryPoint != nullptr ? entryPoint() : nullptr;
     if (module == nullptr || module->version != platform::SaverModule::currentVersion ||
-        module->createSession == nullptr) {
+        module->createView == nullptr) {
         return "the saver in " + directory.string() + " does not fit this program";
     }
     return module;

@@ -2,17 +2,17 @@
 #include "platform/NotificationCenter.hpp"
 #include "platform/SaverModule.hpp"
 #include "platform/SystemLog.hpp"
-#include "saver/QZLCirraneSession.hpp"
+#include "saver/QZLCirraneView.hpp"
 #include "settings/QZLDefaultsManager.hpp"
+#include "settings/QZLNotifications.hpp"
 
 #include <exception>
 
 namespace {
 
-std::unique_ptr<platform::SaverSession> createSession(std::shared_ptr<platform::HostView> view, bool isPreview,
-                                                      std::int64_t screenIndex) noexcept {
+platform::ScreenSaverView* createView(const platform::Rect& frame, bool isPreview) noexcept {
     try {
-        return std::make_unique<QZLCirraneSession>(std::move(view), isPreview, screenIndex);
+        return new QZLCirraneView(frame, isPreview);
     } catch (const std::exception& exception) {
         platform::systemLog(exception.what());
         return nullptr;
@@ -22,13 +22,13 @@ std::unique_ptr<platform::SaverSession> createSession(std::shared_ptr<platform::
 void settingsChanged() noexcept {
     try {
         QZLDefaultsManager::sharedInstance().synchronize();  // takes in what was written from outside
-        platform::NotificationCenter::defaultCenter().post(QZLCirraneSettingsChangedNotification);
+        platform::NotificationCenter::defaultCenter().post(QZLConfigurationStoredNotification);
     } catch (const std::exception& exception) {
         platform::systemLog(exception.what());
     }
 }
 
-constexpr platform::SaverModule module{platform::SaverModule::currentVersion, createSession, settingsChanged};
+constexpr platform::SaverModule module{platform::SaverModule::currentVersion, createView, settingsChanged};
 
 }  // namespace
 

@@ -62,6 +62,10 @@ std::array<QZLLightVertex, 4> lightQuad(std::uint64_t width, std::uint64_t heigh
 
 }  // namespace
 
+platform::Error QZLCirraneMemoryError(std::int64_t subCode) {
+    return QZLCreateError(QZLLocalizedSaverString("QZL_ERROR_MEMORY"), QZLCirraneMemoryErrorCode, subCode);
+}
+
 QZLCirraneRenderer::QZLCirraneRenderer() : _seed(static_cast<std::uint32_t>(platform::clock().calendarSeconds())) {
     platform::seedRandom(_seed);
     setShouldClearFrame(false);
@@ -175,7 +179,7 @@ std::shared_ptr<gpu::Texture> QZLCirraneRenderer::createNoiseTextureWithError(pl
     constexpr std::size_t length = noiseSide * noiseSide;
     const auto bytes = allocateNoiseBytes(length);
     if (bytes == nullptr) {
-        *error = QZLCreateError(QZLLocalizedSaverString("QZL_ERROR_MEMORY"), QZLCirraneMemoryErrorCode, 0);
+        *error = QZLCirraneMemoryError(0);
         return nullptr;
     }
     for (std::size_t index = 0; index < length; ++index) {

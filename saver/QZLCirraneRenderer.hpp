@@ -12,6 +12,7 @@
 
 /// The code of the error that tells of a lack of memory.
 inline constexpr std::int64_t QZLCirraneMemoryErrorCode = 1008;
+platform::Error QZLCirraneMemoryError(std::int64_t subCode);
 
 /// Draws the cloudscape: a colour pass from a small noise texture into a colour and a height image at a reduced size,
 /// and a light pass that shades the drawable from the two. Threads and ownership as its base. Made with

@@ -31,6 +31,10 @@ public:
     /// Shows this layer's frames, or none. Returns when the former layer's frames are no longer shown.
     void setLayer(std::shared_ptr<gpu::Layer> layer);
 
+    void addOverlay(QWidget*) {}
+    void removeOverlay(QWidget*) {}
+    void updateOverlays() {}
+
 protected:
     /// The widget has been resized, also by being shown first, and has then stood still for a while. Meanwhile the
     /// picture was stretched.

@@ -17,7 +17,7 @@ namespace platform {
 /// `shownError`.
 class ScreenSaverView : public LayerWidget {
 public:
-    /// `frame` is its place in its parent, in points.
+    /// `frame` is its place in the window that it will be put in, in points from the top left.
     ScreenSaverView(const Rect& frame, bool isPreview);
     ~ScreenSaverView() override;
 
