@@ -40,7 +40,11 @@ QZLScreenSaverView::~QZLScreenSaverView() {
 }
 
 std::uint64_t QZLScreenSaverView::screenIndex() const {
-    return isPreview() ? 0 : hostView()->screenNumber().value_or(notFound);
+    if (isPreview()) {
+        return 0;
+    }
+    const auto number = hostView()->screenNumber();
+    return number ? *number : notFound;
 }
 
 void QZLScreenSaverView::startAnimation() {

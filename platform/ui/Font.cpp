@@ -2,6 +2,7 @@
 
 #include <QtCore/QStringList>
 #include <QtGui/QFontDatabase>
+#include <QtGui/QFontInfo>
 #include <algorithm>
 #include <utility>
 
@@ -9,8 +10,8 @@ namespace platform {
 namespace {
 
 Font systemFontOfKind(QFontDatabase::SystemFont kind, double size) {
-    const QFont font = QFontDatabase::systemFont(kind);
-    return {font.family().toStdString(), size, false};
+    // The family that is really used: the desktop's may be a name that stands for others, such as "Sans".
+    return {QFontInfo(QFontDatabase::systemFont(kind)).family().toStdString(), size, false};
 }
 
 }  // namespace
@@ -38,10 +39,7 @@ Font userFixedPitchFont(double size) {
 Font boldFont(Font font) {
     const QString family = QString::fromStdString(font.family);
     const QStringList styles = QFontDatabase::styles(family);
-    const bool hasBoldFace =
-        std::ranges::any_of(styles, [&](const QString& style) { return QFontDatabase::bold(family, style); });
-    // A name that stands for other families, such as "Sans", lists no styles of its own.
-    font.isBold = hasBoldFace || styles.isEmpty();
+    font.isBold = std::ranges::any_of(styles, [&](const QString& style) { return QFontDatabase::bold(family, style); });
     return font;
 }
 

@@ -1,6 +1,7 @@
 #include "platform/ui/LayerWidget.hpp"
 
 #include "tests/support/FakeGpu.hpp"
+#include "tests/support/FakeHostView.hpp"
 
 #include <gtest/gtest.h>
 
@@ -89,16 +90,31 @@ TEST_F(LayerWidgetTest, KeepsItsLayerAliveUntilItGetsAnother) {
     EXPECT_TRUE(layer.expired());
 }
 
-TEST_F(LayerWidgetTest, TellsOnceThatANewSizeHasSettled) {
-    int told = 0;
-    widget->setSizeSettledHandler([&] { ++told; });
-    widget->show();
-    ASSERT_TRUE(eventually([&] { return told == 1; }));
+/// Counts how often it is told that its size has settled.
+class SettlingWidget final : public LayerWidget {
+public:
+    int settled = 0;
+
+protected:
+    void sizeSettled() override { ++settled; }
+};
+
+TEST(LayerWidget, IsToldOnceThatANewSizeHasSettled) {
+    SettlingWidget widget;
+    widget.resize(320, 200);
+    widget.show();
+    ASSERT_TRUE(eventually([&] { return widget.settled == 1; }));
     for (int width = 330; width < 400; width += 10) {
-        widget->resize(width, 200);
+        widget.resize(width, 200);
     }
-    EXPECT_EQ(told, 1);
-    ASSERT_TRUE(eventually([&] { return told == 2; }));
+    EXPECT_EQ(widget.settled, 1);
+    ASSERT_TRUE(eventually([&] { return widget.settled == 2; }));
+}
+
+TEST_F(LayerWidgetTest, RenderersMeetTheStandInWhereThereIsOne) {
+    const auto standIn = std::make_shared<fake::HostView>();
+    widget->setHostView(standIn);
+    EXPECT_EQ(widget->hostView(), standIn);
 }
 
 }  // namespace
