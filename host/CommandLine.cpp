@@ -1,7 +1,9 @@
 #include "host/CommandLine.hpp"
 
 #include "host/Number.hpp"
+#include "host/WindowIdentifier.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <functional>
@@ -17,8 +19,12 @@ constexpr std::array settingsKeys{"Colors",      "Brightness",         "Speed", 
 /// Nothing when the value was good, else what is wrong with it.
 using Complaint = std::optional<std::string>;
 
+/// Screen saver hosts write some options with one dash.
+enum class Dashes { Two, OneOrTwo };
+
 struct Option {
     std::string_view name;
+    Dashes dashes;
     bool headlessOnly;
     /// Null for an option without a value.
     Complaint (*takeValue)(CommandLine&, std::string_view);
@@ -118,28 +124,78 @@ Complaint takeModule(CommandLine& line, std::string_view text) {
     return {};
 }
 
+Complaint takeWindowIdentifier(CommandLine& line, std::string_view text) {
+    const auto window = parseWindowIdentifier(text);
+    if (!window) {
+        return "an X11 window looks like 0x3c00007 or 62914567";
+    }
+    line.mode = Mode::WindowId;
+    line.windowIdentifier = *window;
+    return {};
+}
+
+Complaint takeTestError(CommandLine& line, std::string_view text) {
+    const std::size_t colon = std::min(text.find(':'), text.size());
+    const auto code = wholeNumber<std::int64_t>(text.substr(0, colon));
+    const auto subCode =
+        colon == text.size() ? std::optional<std::int64_t>(0) : wholeNumber<std::int64_t>(text.substr(colon + 1));
+    if (!code || !subCode) {
+        return "an error looks like 303 or 200:-6661";
+    }
+    line.testError = ErrorCode{*code, *subCode};
+    return {};
+}
+
+Complaint takeDisplay(CommandLine& line, std::string_view text) {
+    line.display = text;
+    return {};
+}
+
+Complaint ignoreValue(CommandLine&, std::string_view) {
+    return {};
+}
+
+void ignore(CommandLine&) {}
+
 constexpr std::array options{
-    Option{"--headless", false, nullptr, [](CommandLine& line) { line.mode = Mode::Headless; }},
-    Option{"--size", true, takeSize, nullptr},
-    Option{"--frames", true, takeFrames, nullptr},
-    Option{"--fps", true, takeFramesPerSecond, nullptr},
-    Option{"--realtime", true, nullptr, [](CommandLine& line) { line.headless.realtime = true; }},
-    Option{"--time", true, takeTime, nullptr},
-    Option{"--set", true, takeSetting, nullptr},
-    Option{"--output", true, takeOutput, nullptr},
-    Option{"--every", true, takeEvery, nullptr},
-    Option{"--stats", true, takeStatistics, nullptr},
-    Option{"--device", false, takeDevice, nullptr},
-    Option{"--validate", false, nullptr, [](CommandLine& line) { line.validate = true; }},
-    Option{"--module", false, takeModule, nullptr},
-    Option{"--list-devices", false, nullptr, [](CommandLine& line) { line.mode = Mode::ListDevices; }},
-    Option{"--version", false, nullptr, [](CommandLine& line) { line.mode = Mode::Version; }},
-    Option{"--help", false, nullptr, [](CommandLine& line) { line.mode = Mode::Help; }},
+    Option{"--window", Dashes::OneOrTwo, false, nullptr, [](CommandLine& line) { line.mode = Mode::Window; }},
+    Option{"--fullscreen", Dashes::Two, false, nullptr, [](CommandLine& line) { line.mode = Mode::Fullscreen; }},
+    // Previews are asked for by adding --window-id to a line that says --root.
+    Option{"--root", Dashes::OneOrTwo, false, nullptr,
+           [](CommandLine& line) { line.mode = line.mode == Mode::WindowId ? Mode::WindowId : Mode::Root; }},
+    Option{"--window-id", Dashes::OneOrTwo, false, takeWindowIdentifier, nullptr},
+    Option{"--test-error", Dashes::Two, false, takeTestError, nullptr},
+    Option{"--headless", Dashes::Two, false, nullptr, [](CommandLine& line) { line.mode = Mode::Headless; }},
+    Option{"--size", Dashes::Two, true, takeSize, nullptr},
+    Option{"--frames", Dashes::Two, true, takeFrames, nullptr},
+    Option{"--fps", Dashes::Two, true, takeFramesPerSecond, nullptr},
+    Option{"--realtime", Dashes::Two, true, nullptr, [](CommandLine& line) { line.headless.realtime = true; }},
+    Option{"--time", Dashes::Two, true, takeTime, nullptr},
+    Option{"--set", Dashes::Two, true, takeSetting, nullptr},
+    Option{"--output", Dashes::Two, true, takeOutput, nullptr},
+    Option{"--every", Dashes::Two, true, takeEvery, nullptr},
+    Option{"--stats", Dashes::Two, true, takeStatistics, nullptr},
+    Option{"--device", Dashes::Two, false, takeDevice, nullptr},
+    Option{"--validate", Dashes::Two, false, nullptr, [](CommandLine& line) { line.validate = true; }},
+    Option{"--module", Dashes::Two, false, takeModule, nullptr},
+    Option{"--list-devices", Dashes::Two, false, nullptr, [](CommandLine& line) { line.mode = Mode::ListDevices; }},
+    Option{"--version", Dashes::OneOrTwo, false, nullptr, [](CommandLine& line) { line.mode = Mode::Version; }},
+    Option{"--help", Dashes::OneOrTwo, false, nullptr, [](CommandLine& line) { line.mode = Mode::Help; }},
+    Option{"--display", Dashes::OneOrTwo, false, takeDisplay, nullptr},
+    // What hosts add to the lines of all their savers, and what means nothing to this one.
+    Option{"-fps", Dashes::Two, false, nullptr, ignore},
+    Option{"--no-fps", Dashes::OneOrTwo, false, nullptr, ignore},
+    Option{"--visual", Dashes::OneOrTwo, false, ignoreValue, nullptr},
+    Option{"--geometry", Dashes::OneOrTwo, false, ignoreValue, nullptr},
+    Option{"--mono", Dashes::OneOrTwo, false, nullptr, ignore},
+    Option{"--install", Dashes::OneOrTwo, false, nullptr, ignore},
+    Option{"--noinstall", Dashes::OneOrTwo, false, nullptr, ignore},
 };
 
 const Option* findOption(std::string_view name) {
     for (const Option& option : options) {
-        if (option.name == name) {
+        const bool hasOneDash = option.dashes == Dashes::OneOrTwo && option.name.substr(1) == name;
+        if (option.name == name || hasOneDash) {
             return &option;
         }
     }
@@ -154,6 +210,9 @@ std::variant<CommandLine, std::string> parseCommandLine(const std::vector<std::s
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string name(arguments[i]);
         const Option* option = findOption(name);
+        if (name == "--fps" && (i + 1 == arguments.size() || arguments[i + 1].starts_with('-'))) {
+            continue;  // not the rate of headless runs but the hosts' own
+        }
         if (option == nullptr) {
             return "unknown option " + name + " (--help lists them)";
         }
@@ -171,41 +230,17 @@ std::variant<CommandLine, std::string> parseCommandLine(const std::vector<std::s
             return name + " " + std::string(arguments[i]) + ": " + *complaint;
         }
     }
-    if (line.mode == Mode::Window && !firstHeadlessOnly.empty()) {
+    const bool showsWindows = line.mode < Mode::Headless;
+    if (showsWindows && !firstHeadlessOnly.empty()) {
         return std::string(firstHeadlessOnly) + " goes with --headless only";
+    }
+    if (!showsWindows && line.testError) {
+        return "--test-error needs a window";
     }
     if (line.headless.every && !line.headless.outputDirectory) {
         return "--every needs --output";
     }
     return line;
-}
-
-std::string_view helpText() {
-    return R"(Usage: cirrane [OPTION]…
-
-Slowly drifting, colour-shifting clouds. Without a mode: in a window; Escape or q ends it.
-
-  --headless            draw without any window system:
-    --size WxH            size of the picture in pixels (1920x1080)
-    --frames N            number of frames (600)
-    --fps R               rate of the display that is played, in Hz (60)
-    --realtime            at that rate, not as fast as possible
-    --time SECONDS        the time (since 1970) that seeds the clouds; the same time gives the same picture
-    --set KEY=VALUE       a setting: Colors, Brightness, Speed, Zoom (0 to 1), MultiScreen, Diagnostics (0, 1),
-                          ScreenshotInterval (0 to 3); may be repeated
-    --output DIR          write frame-NNNNNN.png there: the last frame,
-    --every K             or every K-th
-    --stats FILE          write what was measured, as JSON
-
-  --device NAME|INDEX   draw on this device
-  --list-devices        list the devices
-  --validate            check all use of Vulkan, and print what is wrong
-  --module PATH         the saver bundle to show
-  --version             print the version
-  --help                print this
-
-Exit status: 0 when all went well, 1 on a failure, 2 on a wrong command line.
-)";
 }
 
 }  // namespace host

@@ -26,12 +26,34 @@ struct HeadlessOptions {
     std::optional<std::filesystem::path> statisticsFile;
 };
 
-enum class Mode { Window, Headless, ListDevices, Version, Help };
+enum class Mode {
+    Window,      ///< one view in a resizable window
+    Fullscreen,  ///< one view on every screen
+    Root,        ///< in the window that the environment names
+    WindowId,    ///< in another program's window, as a preview
+    Headless,
+    ListDevices,
+    Version,
+    Help,
+};
+
+/// An error by its numbers.
+struct ErrorCode {
+    std::int64_t code = 0;
+    std::int64_t subCode = 0;
+    bool operator==(const ErrorCode&) const = default;
+};
 
 /// What the program was asked to do.
 struct CommandLine {
     Mode mode = Mode::Window;
     HeadlessOptions headless;
+    /// The X11 window of `Mode::WindowId`.
+    std::uint32_t windowIdentifier = 0;
+    /// Shown instead of the picture, in whichever window.
+    std::optional<ErrorCode> testError;
+    /// The X11 display, where the environment's is not meant.
+    std::string display;
     std::string device;
     bool validate = false;
     std::optional<std::filesystem::path> module;

@@ -18,8 +18,8 @@ Json sizeToJson(std::uint64_t width, std::uint64_t height) {
 }  // namespace
 
 std::string headlessReport(const FrameRecorder::Measurements& measurements, const gpu::Device& device,
-                           const HeadlessOptions& options, const platform::SaverSession& session) {
-    const Json report{
+                           const HeadlessOptions& options, const std::map<std::string, std::uint64_t>& facts) {
+    Json report{
         {"frames", measurements.frames},
         {"wall_seconds", measurements.wallSeconds},
         {"frame_rate", measurements.frameRate},
@@ -29,9 +29,15 @@ std::string headlessReport(const FrameRecorder::Measurements& measurements, cons
         {"device", device.name()},
         {"driver", device.driverDescription()},
         {"drawable", sizeToJson(options.width, options.height)},
-        {"intermediate", sizeToJson(session.intermediateWidth(), session.intermediateHeight())},
-        {"seed", session.seed()},
     };
+    const auto width = facts.find("intermediateWidth");
+    const auto height = facts.find("intermediateHeight");
+    if (width != facts.end() && height != facts.end()) {
+        report["intermediate"] = sizeToJson(width->second, height->second);
+    }
+    if (const auto seed = facts.find("seed"); seed != facts.end()) {
+        report["seed"] = seed->second;
+    }
     // A driver's name need not be valid UTF-8.
     return report.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }

@@ -2,15 +2,16 @@
 
 #include "host/CommandLine.hpp"
 #include "host/FrameRecorder.hpp"
-#include "platform/SaverModule.hpp"
 #include "platform/gpu/Device.hpp"
 
+#include <cstdint>
+#include <map>
 #include <string>
 
 namespace host {
 
-/// What `--stats` writes: one JSON object; times in milliseconds, sizes in pixels.
+/// What `--stats` writes: one JSON object; times in milliseconds, sizes in pixels. `facts` are the saver's own.
 std::string headlessReport(const FrameRecorder::Measurements& measurements, const gpu::Device& device,
-                           const HeadlessOptions& options, const platform::SaverSession& session);
+                           const HeadlessOptions& options, const std::map<std::string, std::uint64_t>& facts);
 
 }  // namespace host

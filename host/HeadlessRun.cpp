@@ -8,6 +8,7 @@
 #include "platform/Clock.hpp"
 #include "platform/PreferencesStore.hpp"
 #include "platform/gpu/Backend.hpp"
+#include "platform/ui/ScreenSaverView.hpp"
 
 #include <unistd.h>
 
@@ -192,19 +193,23 @@ std::optional<std::string> runHeadless(const HeadlessOptions& options, const pla
         gpu::Extent{options.width, options.height},
         HeadlessView::Display{options.framesPerSecond, options.realtime, options.frames}, recorder);
 
-    const auto session = module.createSession(view, false, 0);
-    if (session == nullptr) {
+    const std::unique_ptr<platform::ScreenSaverView> saver(
+        module.createView({0.0, 0.0, static_cast<double>(options.width), static_cast<double>(options.height)}, false));
+    if (saver == nullptr) {
         return "the saver could not be made";
     }
-    if (const auto error = session->startAnimation()) {
+    saver->setHostView(view);
+    saver->startAnimation();
+    if (const auto error = saver->shownError()) {
         return error->localizedDescription();
     }
     auto failure = waitForFrames(options, *recorder, *pictures, signals, *signs);
-    session->stopAnimation();
+    saver->stopAnimation();
     if (failure || signals.received() || !options.statisticsFile) {
         return failure;
     }
-    return writeTextFile(*options.statisticsFile, headlessReport(recorder->measurements(), *device, options, *session));
+    return writeTextFile(*options.statisticsFile,
+                         headlessReport(recorder->measurements(), *device, options, saver->facts()));
 }
 
 }  // namespace host

@@ -1,15 +1,24 @@
 #pragma once
 
+#include "host/SaverWindow.hpp"
 #include "host/TerminationSignals.hpp"
-#include "platform/SaverModule.hpp"
 
 #include <optional>
 #include <string>
 
 namespace host {
 
-/// Shows the saver in a resizable window until it is closed or a termination signal comes: ask `signals`. Returns
-/// nothing, or one line that says what went wrong. Needs a `WindowSystem`. Main thread.
-std::optional<std::string> runWindow(const platform::SaverModule& module, const TerminationSignals& signals);
+// The ways to show the saver. Each returns when the program shall end, be it by its own means or by a termination
+// signal: ask `signals`. They need a `WindowSystem`. Main thread.
+
+/// In a resizable window, until it is closed.
+void runWindow(const Showing& showing, const TerminationSignals& signals);
+
+/// Over every screen, those that come later included, until somebody touches the machine.
+void runFullscreen(const Showing& showing, const TerminationSignals& signals);
+
+/// In another program's X11 window, until that is destroyed. One line when there is no such window.
+std::optional<std::string> runInForeignWindow(const Showing& showing, std::uint32_t window,
+                                              const TerminationSignals& signals);
 
 }  // namespace host

@@ -8,16 +8,26 @@ class QApplication;
 
 namespace host {
 
-/// The connection to the display. Made before anything that uses the display and destroyed after it. Main thread.
+/// The application and its connection to the display. Made before anything that uses either and destroyed after it; one
+/// at a time. What the toolkit has to say goes to the system log. Main thread.
 class WindowSystem {
 public:
-    WindowSystem();
+    enum class Kind {
+        Desktop,    ///< Wayland or X11, whichever the desktop is
+        X11Pixels,  ///< X11, with points that are pixels: for windows of others, whose sizes are in pixels
+        None,       ///< no display at all
+    };
+
+    explicit WindowSystem(Kind kind);
     ~WindowSystem();
     WindowSystem(const WindowSystem&) = delete;
     WindowSystem& operator=(const WindowSystem&) = delete;
 
-    /// Null when windows can be shown, else one line that says why not.
+    /// Null when all is well, else one line that says why not.
     const std::optional<std::string>& failure() const { return _failure; }
+
+    /// For an end in which the toolkit would only complain of windows that others have destroyed.
+    static void ignoreFurtherMessages();
 
 private:
     std::optional<std::string> _failure;

@@ -3,9 +3,11 @@
 #include "host/ModuleLoader.hpp"
 #include "host/Number.hpp"
 #include "host/TerminationSignals.hpp"
+#include "host/WindowIdentifier.hpp"
 #include "host/WindowRun.hpp"
 #include "host/WindowSystem.hpp"
 #include "platform/Paths.hpp"
+#include "platform/PreferencesStore.hpp"
 #include "platform/gpu/vulkan/VulkanBackend.hpp"
 #include "platform/ui/LayerWidget.hpp"
 
@@ -13,7 +15,9 @@
 #include <cctype>
 #include <clocale>
 #include <csignal>
+#include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <optional>
 #include <string>
@@ -99,6 +103,7 @@ int finish(const std::optional<std::string>& failure, const host::TerminationSig
 }
 
 int runHeadless(const host::CommandLine& line, const host::TerminationSignals& signals) {
+    const host::WindowSystem windowSystem(host::WindowSystem::Kind::None);
     if (const auto reason = unfulfilledWish(line)) {
         return complain(*reason, exitFailure);
     }
@@ -111,8 +116,37 @@ int runHeadless(const host::CommandLine& line, const host::TerminationSignals& s
     return finish(host::runHeadless(line.headless, *std::get<const platform::SaverModule*>(module), signals), signals);
 }
 
-int runWindow(const host::CommandLine& line, const host::TerminationSignals& signals) {
-    const host::WindowSystem windowSystem;
+/// The window that a screen saver host made for this saver, or why none is known.
+std::variant<std::uint32_t, std::string> foreignWindow(const host::CommandLine& line) {
+    if (line.mode == host::Mode::WindowId) {
+        return line.windowIdentifier;
+    }
+    const char* const name = std::getenv("XSCREENSAVER_WINDOW");  // NOLINT(concurrency-mt-unsafe)
+    if (name == nullptr) {
+        return "--root draws in the window that XSCREENSAVER_WINDOW names, which is not set";
+    }
+    const auto window = host::parseWindowIdentifier(name);
+    if (!window) {
+        return "XSCREENSAVER_WINDOW is \"" + std::string(name) + "\", which names no X11 window";
+    }
+    return *window;
+}
+
+int runInWindows(const host::CommandLine& line, const host::TerminationSignals& signals) {
+    const bool isForeign = line.mode == host::Mode::Root || line.mode == host::Mode::WindowId;
+    if (!line.display.empty()) {
+        setenv("DISPLAY", line.display.c_str(), 1);  // NOLINT(concurrency-mt-unsafe): no other thread runs yet
+    }
+    std::uint32_t window = 0;
+    if (isForeign) {
+        const auto found = foreignWindow(line);
+        if (const auto* reason = std::get_if<std::string>(&found)) {
+            return complain(*reason, exitFailure);
+        }
+        window = std::get<std::uint32_t>(found);
+    }
+    using Kind = host::WindowSystem::Kind;
+    const host::WindowSystem windowSystem(isForeign ? Kind::X11Pixels : Kind::Desktop);
     if (windowSystem.failure()) {
         return complain(*windowSystem.failure(), exitFailure);
     }
@@ -123,12 +157,26 @@ int runWindow(const host::CommandLine& line, const host::TerminationSignals& sig
     const platform::X11Server server = platform::applicationX11Server();
     options.presentation = gpu::vulkan::XcbServer{server.connection, server.visual};
     gpu::setBackend(gpu::vulkan::makeVulkanBackend(std::move(options)));
-
-    const auto module = host::loadSaverModule(line.module);
-    if (const auto* reason = std::get_if<std::string>(&module)) {
-        return complain(*reason, exitFailure);
+    if (line.testError) {
+        platform::setPreferencesStore(platform::makeMemoryPreferencesStore());
     }
-    return finish(host::runWindow(*std::get<const platform::SaverModule*>(module), signals), signals);
+
+    const host::Showing showing{host::loadSaverModule(line.module), line.mode == host::Mode::WindowId, line.testError};
+    std::optional<std::string> failure;
+    if (const auto* reason = std::get_if<std::string>(&showing.saver)) {
+        failure = *reason;  // told at the end; the window shows it meanwhile
+    }
+    switch (line.mode) {
+        case host::Mode::Fullscreen: host::runFullscreen(showing, signals); break;
+        case host::Mode::Root:
+        case host::Mode::WindowId:
+            if (auto reason = host::runInForeignWindow(showing, window, signals)) {
+                failure = std::move(reason);
+            }
+            break;
+        default: host::runWindow(showing, signals); break;
+    }
+    return finish(failure, signals);
 }
 
 int run(const std::vector<std::string_view>& arguments) {
@@ -142,7 +190,10 @@ int run(const std::vector<std::string_view>& arguments) {
         case host::Mode::Version: print("cirrane " CIRRANE_VERSION "\n"); return 0;
         case host::Mode::ListDevices: return listDevices(line);
         case host::Mode::Headless: return runHeadless(line, host::TerminationSignals());
-        case host::Mode::Window: return runWindow(line, host::TerminationSignals());
+        case host::Mode::Window:
+        case host::Mode::Fullscreen:
+        case host::Mode::Root:
+        case host::Mode::WindowId: return runInWindows(line, host::TerminationSignals());
     }
     return exitFailure;
 }

@@ -3,6 +3,7 @@
 #include "platform/DisplayLink.hpp"
 #include "platform/HostView.hpp"
 #include "platform/gpu/Layer.hpp"
+#include "platform/ui/ScreenSaverView.hpp"
 
 #include <chrono>
 #include <condition_variable>
@@ -164,17 +165,20 @@ Run FrameworkLoop::run(std::size_t frames, Pace pace, LastPicture lastPicture) {
     const auto makeLink = [&] {
         return std::make_unique<MeasuredLink>(frames, pace, *completions, result.cpuMicroseconds);
     };
-    const auto session = _module.createSession(std::make_shared<View>(_size, makeLink, completions), false, 0);
-    if (session == nullptr) {
+    const std::unique_ptr<platform::ScreenSaverView> view(
+        _module.createView({0.0, 0.0, double(_size.width), double(_size.height)}, false));
+    if (view == nullptr) {
         throw std::runtime_error("the saver could not be made");
     }
-    if (const auto error = session->startAnimation()) {
+    view->setHostView(std::make_shared<View>(_size, makeLink, completions));
+    view->startAnimation();
+    if (const auto error = view->shownError()) {
         throw std::runtime_error(error->localizedDescription());
     }
     if (!completions->waitFor(frames)) {
         throw std::runtime_error("a frame did not complete");
     }
-    session->stopAnimation();
+    view->stopAnimation();
     result.framesPerSecond = completions->framesPerSecond();
     result.lastPicture = completions->takePicture();
     return result;

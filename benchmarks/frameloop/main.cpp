@@ -15,6 +15,7 @@
 
 #include <unistd.h>
 
+#include <QtWidgets/QApplication>
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -62,7 +63,18 @@ fs::path shaderLibrary() {
     return bundleDirectory() / "default.metallib";
 }
 
+/// The saver's views are widgets, which need an application, but no display here.
+void makeOffscreenApplication() {
+    static char name[] = "frame_loop_benchmark";
+    static char* arguments[] = {name, nullptr};
+    static int count = 1;
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    static const auto* const application = new QApplication(count, arguments);  // lives to the end of the process
+    static_cast<void>(application);
+}
+
 const platform::SaverModule& prepareFramework() {
+    makeOffscreenApplication();
     static const SeedClock clock;
     platform::setClock(&clock);
     platform::setPreferencesStore(platform::makeMemoryPreferencesStore());

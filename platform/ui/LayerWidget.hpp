@@ -5,6 +5,7 @@
 
 #include <QtCore/QTimer>
 #include <QtWidgets/QWidget>
+#include <functional>
 #include <memory>
 
 namespace gpu {
@@ -30,6 +31,10 @@ public:
 
     /// Shows this layer's frames, or none. Returns when the former layer's frames are no longer shown.
     void setLayer(std::shared_ptr<gpu::Layer> layer);
+
+    /// Called from the event loop when the platform says that nobody can see the frames any more, because other windows
+    /// cover them or the monitor is off, or that they can be seen again.
+    void setSurfaceVisibilityHandler(std::function<void(bool isVisible)> handler) { _visibility = std::move(handler); }
 
     void addOverlay(QWidget*) {}
     void removeOverlay(QWidget*) {}
@@ -57,6 +62,7 @@ private:
     std::shared_ptr<HostView> _standIn;
     std::shared_ptr<gpu::Layer> _layer;
     std::unique_ptr<X11LayerWindow> _layerWindow;
+    std::function<void(bool)> _visibility;
     QTimer _settling;
 };
 

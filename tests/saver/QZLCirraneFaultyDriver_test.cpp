@@ -1,7 +1,7 @@
 // The saver on the real driver, one of whose calls fails: each in turn, once for lack of memory and once for good.
 #include "foundation/QZLError.hpp"
-#include "saver/QZLCirraneSession.hpp"
 #include "tests/platform/gpu/vulkan/FaultyVulkan.hpp"
+#include "tests/saver/StartedRenderer.hpp"
 #include "tests/saver/VulkanTest.hpp"
 #include "tests/support/FakeHostView.hpp"
 #include "tests/support/Waiting.hpp"
@@ -65,12 +65,11 @@ protected:
     }
 
     /// Detaches, and draws after a fresh start as if nothing had been.
-    void expectRecovery(QZLCirraneSession& session) {
+    void expectRecovery(StartedRenderer& renderer) {
         fake::vulkan::failNone();
-        session.stopAnimation();
-        session.detach();
+        renderer.stopAndDetach();
         view->layer.reset();
-        const auto error = session.startAnimation();
+        const auto error = renderer.start();
         ASSERT_FALSE(error) << error->code();
         EXPECT_FALSE(view->layer->device()->isLost());
         EXPECT_EQ(draw(5)->succeeded, 5);
@@ -89,9 +88,9 @@ const std::map<std::int64_t, std::set<std::int64_t>> codesOf{
 TEST_P(QZLCirraneFaultyDriver, EveryFailureOfAnAttachIsTheErrorOfItsResource) {
     std::set<std::int64_t> subCodes;
     for (std::uint64_t call = 0;; ++call) {
-        QZLCirraneSession session(view, false, 0);
+        StartedRenderer renderer(view);
         fake::vulkan::failCall(call, GetParam());
-        const auto error = session.startAnimation();
+        const auto error = renderer.start();
         const std::string failed = fake::vulkan::failedCall();
         if (failed.empty()) {
             EXPECT_FALSE(error);
@@ -104,7 +103,7 @@ TEST_P(QZLCirraneFaultyDriver, EveryFailureOfAnAttachIsTheErrorOfItsResource) {
         EXPECT_TRUE(codesOf.at(subCode).contains(error->code())) << error->code() << ':' << subCode;
         EXPECT_TRUE(subCodes.empty() || subCode >= *subCodes.rbegin());
         subCodes.insert(subCode);
-        expectRecovery(session);
+        expectRecovery(renderer);
     }
     EXPECT_EQ(subCodes, (std::set<std::int64_t>{0, 1000, 1001, 1002, 1003, 1004, 1005, 1006}));
 }
@@ -112,8 +111,8 @@ TEST_P(QZLCirraneFaultyDriver, EveryFailureOfAnAttachIsTheErrorOfItsResource) {
 TEST_P(QZLCirraneFaultyDriver, EveryFailureOfAFrameCostsNoMoreThanThatFrameAndItsSlot) {
     std::set<std::string> functions;
     for (std::uint64_t call = 0;; ++call) {
-        QZLCirraneSession session(view, false, 0);
-        ASSERT_FALSE(session.startAnimation());
+        StartedRenderer renderer(view);
+        ASSERT_FALSE(renderer.start());
         const int lossesBefore = losses;
         fake::vulkan::failCall(call, GetParam());
         const auto counter = draw(12);
@@ -128,7 +127,7 @@ TEST_P(QZLCirraneFaultyDriver, EveryFailureOfAFrameCostsNoMoreThanThatFrameAndIt
         if (losses == lossesBefore) {
             EXPECT_GE(counter->succeeded, 11);
         }
-        expectRecovery(session);
+        expectRecovery(renderer);
     }
     EXPECT_THAT((std::set<std::string>{"vkAllocateCommandBuffers", "vkAllocateDescriptorSets", "vkAllocateMemory",
                                        "vkBeginCommandBuffer", "vkCreateCommandPool", "vkCreateDescriptorPool",

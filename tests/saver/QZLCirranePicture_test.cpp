@@ -1,5 +1,5 @@
 #include "saver/QZLCirraneRenderer.hpp"
-#include "saver/QZLCirraneSession.hpp"
+#include "tests/saver/StartedRenderer.hpp"
 #include "tests/saver/VulkanTest.hpp"
 #include "tests/support/FakeHostView.hpp"
 
@@ -208,18 +208,17 @@ public:
 
 TEST_F(QZLCirranePicture, FrameLoopRunsOverManyFramesAndAReattach) {
     view->viewBounds = {0, 0, 320, 180};
-    QZLCirraneSession session(view, false, 0);
+    StartedRenderer renderer(view);
     int expected = 0;
     const auto counter = std::make_shared<FrameCounter>();
     for (int attachment = 0; attachment < 2; ++attachment) {
-        ASSERT_FALSE(session.startAnimation());
+        ASSERT_FALSE(renderer.start());
         view->layer->setFrameObserver(counter);
         for (int refresh = 0; refresh < 12; ++refresh) {
             EXPECT_EQ(view->displayLink->fire(), 0);
         }
         expected += 12;
-        session.stopAnimation();
-        session.detach();  // with frames in flight
+        renderer.stopAndDetach();  // with frames in flight
         while (counter->finished < expected) {
             std::this_thread::yield();
         }

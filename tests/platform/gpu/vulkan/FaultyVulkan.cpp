@@ -71,12 +71,18 @@ public:
     /// Counts a call of that function. What it returns if it shall fail.
     std::optional<VkResult> next(const char* function) {
         const std::lock_guard lock(_mutex);
-        const bool isCounted = _counted == fake::vulkan::Calls::All || std::string_view(function).ends_with("KHR");
+        const std::string_view name = function;
+        _submissions += name == "vkQueueSubmit2" || name == "vkQueuePresentKHR" ? 1 : 0;
+        const bool isCounted = _counted == fake::vulkan::Calls::All || name.ends_with("KHR");
         if (!isCounted || _calls++ != _failingCall) {
             return std::nullopt;
         }
         _failed = function;
         return _result;
+    }
+    std::uint64_t submissions() const {
+        const std::lock_guard lock(_mutex);
+        return _submissions;
     }
     std::string failed() const {
         const std::lock_guard lock(_mutex);
@@ -86,6 +92,7 @@ public:
 private:
     mutable std::mutex _mutex;
     std::uint64_t _calls = 0;
+    std::uint64_t _submissions = 0;
     fake::vulkan::Calls _counted = fake::vulkan::Calls::All;
     std::optional<std::uint64_t> _failingCall;
     VkResult _result = VK_SUCCESS;
@@ -165,6 +172,10 @@ void failCall(std::uint64_t number, Failure failure, Calls counted) {
 
 void failNone() {
     plan().set(std::nullopt, VK_SUCCESS, Calls::All);
+}
+
+std::uint64_t submissions() {
+    return plan().submissions();
 }
 
 std::string failedCall() {

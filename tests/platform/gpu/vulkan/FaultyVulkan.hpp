@@ -26,4 +26,7 @@ void failNone();
 /// The name of the function whose call failed, "vkCreateImage"; empty when none has since `failCall`.
 std::string failedCall();
 
+/// How often anything was submitted to a queue or presented since the process began.
+std::uint64_t submissions();
+
 }  // namespace fake::vulkan

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QtCore/QAbstractNativeEventFilter>
+#include <QtCore/QRect>
+#include <cstdint>
+#include <functional>
+#include <optional>
+
+namespace host {
+
+/// Another program's X11 window, watched: its size, and that it is destroyed. Nothing that its owner reads is selected
+/// on it. Main thread, with an application on X11.
+class ForeignWindow final : public QAbstractNativeEventFilter {
+public:
+    explicit ForeignWindow(std::uint32_t window);
+    ~ForeignWindow() override;
+    ForeignWindow(const ForeignWindow&) = delete;
+    ForeignWindow& operator=(const ForeignWindow&) = delete;
+
+    /// In pixels; nothing when there is no such window.
+    std::optional<QSize> size() const;
+    /// Its place on the desktop, in pixels.
+    QRect placeOnDesktop() const;
+
+    void setResizeHandler(std::function<void(QSize)> handler) { _resized = std::move(handler); }
+    void setDestroyHandler(std::function<void()> handler) { _destroyed = std::move(handler); }
+
+    bool nativeEventFilter(const QByteArray& eventType, void* message, qintptr* result) override;
+
+private:
+    std::uint32_t _window;
+    std::function<void(QSize)> _resized;
+    std::function<void()> _destroyed;
+};
+
+/// Takes what a person does with keys and pointer out of what a window of ours has selected.
+void ignoreInput(std::uint32_t window);
+
+}  // namespace host

@@ -1,0 +1,121 @@
+#include "host/SaverWindow.hpp"
+
+#include <QtGui/QHideEvent>
+#include <QtGui/QShowEvent>
+#include <QtWidgets/QLabel>
+#include <utility>
+
+namespace host {
+
+SaverWindow::SaverWindow(const Showing& showing) : _showing(showing) {
+    QPalette black = palette();
+    black.setColor(QPalette::Window, Qt::black);
+    setPalette(black);
+    setWindowTitle(QStringLiteral("Cirrane"));
+}
+
+SaverWindow::~SaverWindow() {
+    closeView();
+}
+
+void SaverWindow::closeView() {
+    if (_view != nullptr) {
+        _view->stopAnimation();
+        _view.reset();
+    }
+}
+
+void SaverWindow::makeView() {
+    if (const auto* reason = std::get_if<std::string>(&_showing.saver)) {
+        showReason(*reason);
+        return;
+    }
+    const platform::SaverModule& module = *std::get<const platform::SaverModule*>(_showing.saver);
+    const platform::Rect frame{0.0, 0.0, static_cast<double>(width()), static_cast<double>(height())};
+    _view.reset(module.createView(frame, _showing.isPreview));
+    if (_view == nullptr) {
+        showReason("the saver could not be made");
+        return;
+    }
+    _view->setParent(this);
+    _view->setSurfaceVisibilityHandler([this](bool isVisible) {
+        _isUncovered = isVisible;
+        startOrStop();
+    });
+    _view->show();
+    if (_showing.testError) {
+        showErrorCode(*_showing.testError);
+    }
+}
+
+void SaverWindow::showReason(const std::string& reason) {
+    auto* label = new QLabel(QString::fromStdString(reason), this);
+    label->setWordWrap(true);
+    label->setAlignment(Qt::AlignCenter);
+    label->setMargin(8);
+    label->setStyleSheet(QStringLiteral("background: red; color: white"));
+    label->setGeometry(rect());
+    label->show();
+    delete std::exchange(_reason, label);
+}
+
+void SaverWindow::makeViewAnew() {
+    if (_view != nullptr && !_view->shownError()) {
+        closeView();
+        _isUncovered = true;
+        makeView();
+        startOrStop();
+    }
+}
+
+void SaverWindow::showErrorCode(const ErrorCode& error) {
+    if (_view != nullptr && !_view->shownError()) {
+        _view->showErrorCode(error.code, error.subCode);
+    }
+}
+
+/// An error is final, and so its view is left as it is.
+void SaverWindow::startOrStop() {
+    if (_view == nullptr || _view->shownError()) {
+        return;
+    }
+    const bool shallDraw = _isShown && _isUncovered && !isMinimized();
+    if (shallDraw && !_view->isAnimating()) {
+        _view->startAnimation();
+    } else if (!shallDraw && _view->isAnimating()) {
+        _view->stopAnimation();
+    }
+}
+
+void SaverWindow::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    _isShown = true;
+    if (_view == nullptr && _reason == nullptr) {
+        makeView();
+    }
+    startOrStop();
+}
+
+void SaverWindow::hideEvent(QHideEvent* event) {
+    _isShown = false;
+    startOrStop();
+    QWidget::hideEvent(event);
+}
+
+void SaverWindow::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::WindowStateChange) {
+        startOrStop();
+    }
+}
+
+void SaverWindow::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    for (QWidget* child : {static_cast<QWidget*>(_view.get()), _reason}) {
+        if (child != nullptr) {
+            child->setGeometry(rect());
+        }
+    }
+}
+
+}  // namespace host

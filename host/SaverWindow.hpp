@@ -1,0 +1,59 @@
+#pragma once
+
+#include "host/CommandLine.hpp"
+#include "platform/SaverModule.hpp"
+#include "platform/ui/ScreenSaverView.hpp"
+
+#include <QtWidgets/QWidget>
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+
+namespace host {
+
+/// The saver that was loaded, or one line that says why it could not be.
+using LoadedSaver = std::variant<const platform::SaverModule*, std::string>;
+
+/// What windows show, and how.
+struct Showing {
+    LoadedSaver saver;
+    bool isPreview = false;
+    /// Shown instead of the picture.
+    std::optional<ErrorCode> testError;
+};
+
+/// A black window that a view of the saver fills. The view is made when the window is first shown, draws while it can
+/// be seen, and is only stopped when it cannot. Whatever goes wrong stands in the window until it is closed. Main
+/// thread.
+class SaverWindow : public QWidget {
+public:
+    explicit SaverWindow(const Showing& showing);
+    ~SaverWindow() override;
+
+    /// After the device was lost: another view in place of the one that draws no more.
+    void makeViewAnew();
+    /// Gives up: the view shows that error for good.
+    void showErrorCode(const ErrorCode& error);
+    /// Stops and lets go of the view.
+    void closeView();
+
+protected:
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void makeView();
+    void showReason(const std::string& reason);
+    void startOrStop();
+
+    const Showing& _showing;
+    std::unique_ptr<platform::ScreenSaverView> _view;
+    QWidget* _reason = nullptr;
+    bool _isShown = false;
+    bool _isUncovered = true;
+};
+
+}  // namespace host
