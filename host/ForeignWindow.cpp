@@ -26,8 +26,8 @@ Reply<xcb_get_geometry_reply_t> geometryOf(std::uint32_t window) {
 
 /// Our own part of what a window's events go to.
 std::uint32_t selectedEvents(std::uint32_t window) {
-    const Reply<xcb_get_window_attributes_reply_t> attributes(xcb_get_window_attributes_reply(
-        connection(), xcb_get_window_attributes(connection(), window), nullptr));
+    const Reply<xcb_get_window_attributes_reply_t> attributes(
+        xcb_get_window_attributes_reply(connection(), xcb_get_window_attributes(connection(), window), nullptr));
     return attributes != nullptr ? attributes->your_event_mask : 0;
 }
 

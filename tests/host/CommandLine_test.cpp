@@ -127,4 +127,62 @@ TEST(CommandLine, HelpNamesEveryOption) {
     }
 }
 
+TEST(CommandLine, KnowsTheWaysToShow) {
+    EXPECT_EQ(accepted({"--window"}).mode, Mode::Window);
+    EXPECT_EQ(accepted({"--fullscreen"}).mode, Mode::Fullscreen);
+    EXPECT_EQ(accepted({"--root"}).mode, Mode::Root);
+    EXPECT_EQ(accepted({"--window-id", "0x3c00007"}).mode, Mode::WindowId);
+    EXPECT_EQ(accepted({"--window-id", "0x3c00007"}).windowIdentifier, 0x3c00007U);
+    EXPECT_EQ(accepted({"--window-id", "62914567"}).windowIdentifier, 62914567U);
+}
+
+TEST(CommandLine, TakesWhatHostsWriteWithOneDash) {
+    EXPECT_EQ(accepted({"-root"}).mode, Mode::Root);
+    EXPECT_EQ(accepted({"-window-id", "12"}).windowIdentifier, 12U);
+    EXPECT_EQ(accepted({"-window"}).mode, Mode::Window);
+    EXPECT_EQ(accepted({"-help"}).mode, Mode::Help);
+    EXPECT_EQ(accepted({"-version"}).mode, Mode::Version);
+    EXPECT_EQ(refused({"-fullscreen"}), "unknown option -fullscreen (--help lists them)");
+}
+
+TEST(CommandLine, APreviewsWindowWinsOverTheRoot) {
+    EXPECT_EQ(accepted({"--root", "--window-id", "0x12"}).mode, Mode::WindowId);
+    EXPECT_EQ(accepted({"--window-id", "0x12", "-root"}).mode, Mode::WindowId);
+}
+
+TEST(CommandLine, RefusesWhatIsNoWindow) {
+    for (const char* text : {"0", "0x", "window", "-3", "0x100000000", "12 "}) {
+        EXPECT_EQ(refused({"--window-id", text}),
+                  std::string("--window-id ") + text + ": an X11 window looks like 0x3c00007 or 62914567");
+    }
+    EXPECT_EQ(refused({"--window-id"}), "--window-id needs a value");
+}
+
+TEST(CommandLine, AcceptsWhatHostsAddAndMeansNothing) {
+    for (const char* option : {"-fps", "--fps", "-no-fps", "--no-fps", "-mono", "--mono", "-install", "--install",
+                               "-noinstall", "--noinstall"}) {
+        EXPECT_EQ(accepted({"-root", option}).mode, Mode::Root) << option;
+        EXPECT_EQ(accepted({option, "-root"}).mode, Mode::Root) << option;
+    }
+    for (const char* option : {"-visual", "--visual", "-geometry", "--geometry"}) {
+        EXPECT_EQ(accepted({"-root", option, "default"}).mode, Mode::Root) << option;
+        EXPECT_EQ(refused({"-root", option}), std::string(option) + " needs a value");
+    }
+}
+
+TEST(CommandLine, TakesTheDisplay) {
+    EXPECT_EQ(accepted({"-display", ":1.0"}).display, ":1.0");
+    EXPECT_EQ(accepted({"--display", "host:0"}).display, "host:0");
+}
+
+TEST(CommandLine, TakesAnErrorToShow) {
+    EXPECT_EQ(accepted({"--test-error", "303"}).testError, (host::ErrorCode{303, 0}));
+    EXPECT_EQ(accepted({"--test-error", "200:-6661"}).testError, (host::ErrorCode{200, -6661}));
+    EXPECT_EQ(accepted({"--root", "--test-error", "-1:0"}).testError, (host::ErrorCode{-1, 0}));
+    for (const char* text : {"", ":", "x", "303:", ":5", "303:x", "1.5"}) {
+        EXPECT_NE(refused({"--test-error", text}), "") << text;
+    }
+    EXPECT_EQ(refused({"--headless", "--test-error", "303"}), "--test-error needs a window");
+}
+
 }  // namespace
