@@ -35,6 +35,8 @@ public:
     Display(const Display&) = delete;
     Display& operator=(const Display&) = delete;
 
+    xcb_window_t root() const { return _root; }
+
     /// The mapped top-level window of that title.
     std::optional<xcb_window_t> findWindow(const std::string& title) const {
         const Reply<xcb_query_tree_reply_t> tree(
