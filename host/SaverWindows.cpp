@@ -2,9 +2,9 @@
 
 #include "platform/gpu/Backend.hpp"
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QMetaObject>
 #include <QtCore/QPointer>
-#include <QtCore/QCoreApplication>
 #include <algorithm>
 #include <chrono>
 #include <utility>
