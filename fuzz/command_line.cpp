@@ -24,7 +24,10 @@ std::vector<std::string_view> wordsIn(std::string_view text) {
 
 std::string_view modeOption(Mode mode) {
     switch (mode) {
-        case Mode::Window: return "";
+        case Mode::Window: return "--window";
+        case Mode::Fullscreen: return "--fullscreen";
+        case Mode::Root: return "--root";
+        case Mode::WindowId: return "";  // said with its window
         case Mode::Headless: return "--headless";
         case Mode::ListDevices: return "--list-devices";
         case Mode::Version: return "--version";
@@ -63,9 +66,20 @@ void addHeadless(std::vector<std::string>& words, const host::HeadlessOptions& h
 /// The words that say the same, with nothing left to defaults.
 std::vector<std::string> wordsFor(const CommandLine& line) {
     std::vector<std::string> words;
-    if (line.mode != Mode::Window) {
+    if (line.mode == Mode::WindowId) {
+        words.insert(words.end(), {"--window-id", fmt::format("{}", line.windowIdentifier)});
+    } else {
         words.emplace_back(modeOption(line.mode));
+    }
+    if (line.mode >= Mode::Headless) {
         addHeadless(words, line.headless);
+    }
+    if (line.testError) {
+        words.insert(words.end(),
+                     {"--test-error", fmt::format("{}:{}", line.testError->code, line.testError->subCode)});
+    }
+    if (!line.display.empty()) {
+        words.insert(words.end(), {"--display", line.display});
     }
     if (!line.device.empty()) {
         words.insert(words.end(), {"--device", line.device});

@@ -72,53 +72,16 @@ TEST(CommandLine, TakesTheOptionsOfEveryMode) {
     EXPECT_EQ(accepted({"--help"}).mode, Mode::Help);
 }
 
-TEST(CommandLine, TakesEveryWayOfShowing) {
-    EXPECT_EQ(accepted({"--window"}).mode, Mode::Window);
-    EXPECT_EQ(accepted({"--fullscreen"}).mode, Mode::Fullscreen);
-    EXPECT_EQ(accepted({"--root"}).mode, Mode::Root);
-    const CommandLine line = accepted({"--window-id", "0x3c00007"});
-    EXPECT_EQ(line.mode, Mode::WindowId);
-    EXPECT_EQ(line.windowIdentifier, 0x3c00007U);
-    EXPECT_EQ(accepted({"--window-id", "62914567"}).windowIdentifier, 62914567U);
-}
-
-TEST(CommandLine, AWindowByItsIdentifierWinsOverTheRootInAnyOrder) {
-    EXPECT_EQ(accepted({"--root", "--window-id", "7"}).mode, Mode::WindowId);
-    EXPECT_EQ(accepted({"-window-id", "7", "-root"}).mode, Mode::WindowId);
-}
-
-TEST(CommandLine, WhatHostsGiveMayHaveOneDash) {
-    EXPECT_EQ(accepted({"-window"}).mode, Mode::Window);
-    EXPECT_EQ(accepted({"-root"}).mode, Mode::Root);
-    EXPECT_EQ(accepted({"-window-id", "7"}).mode, Mode::WindowId);
-    EXPECT_EQ(accepted({"-help"}).mode, Mode::Help);
-    EXPECT_EQ(accepted({"-version"}).mode, Mode::Version);
-}
-
 TEST(CommandLine, OurOwnOptionsHaveTwo) {
     EXPECT_EQ(refused({"-fullscreen"}), "unknown option -fullscreen (--help lists them)");
     EXPECT_EQ(refused({"-headless"}), "unknown option -headless (--help lists them)");
     EXPECT_EQ(refused({"---root"}), "unknown option ---root (--help lists them)");
 }
 
-TEST(CommandLine, AcceptsWhatHostsAddAndWhatMeansNothingHere) {
-    const std::vector<std::string_view> words{"-fps",       "-no-fps",   "-mono",     "-install",    "-noinstall",
-                                              "--no-fps",   "--mono",    "--install", "--noinstall", "-visual",
-                                              "TrueColor",  "-geometry", "640x480",   "--visual",    "default",
-                                              "--geometry", "=1x1+0+0",  "-root"};
-    EXPECT_EQ(accepted(words).mode, Mode::Root);
-}
-
 TEST(CommandLine, FpsWithoutANumberIsTheHostsOwn) {
     EXPECT_EQ(accepted({"--fps", "--root"}).mode, Mode::Root);
     EXPECT_EQ(accepted({"--root", "--fps"}).mode, Mode::Root);
     EXPECT_EQ(refused({"--root", "--fps", "60"}), "--fps goes with --headless only");
-}
-
-TEST(CommandLine, TakesTheDisplay) {
-    EXPECT_EQ(accepted({"-display", ":1"}).display, ":1");
-    EXPECT_EQ(accepted({"--root", "--display", "host:0.1"}).display, "host:0.1");
-    EXPECT_EQ(accepted({}).display, "");
 }
 
 TEST(CommandLine, TakesAnErrorToShowInAnyWindow) {
@@ -128,17 +91,6 @@ TEST(CommandLine, TakesAnErrorToShowInAnyWindow) {
     EXPECT_EQ(accepted({"--test-error", "200:-6661", "--window-id", "7"}).testError, (host::ErrorCode{200, -6661}));
     EXPECT_EQ(accepted({"--test-error", "-9223372036854775808:9223372036854775807"}).testError,
               (host::ErrorCode{INT64_MIN, INT64_MAX}));
-}
-
-TEST(CommandLine, RefusesAnErrorToShowWithoutAWindow) {
-    EXPECT_EQ(refused({"--headless", "--test-error", "303"}), "--test-error needs a window");
-    EXPECT_EQ(refused({"--test-error", "303", "--list-devices"}), "--test-error needs a window");
-}
-
-TEST(CommandLine, RefusesHostOptionsWithoutTheirValue) {
-    for (const char* option : {"-window-id", "-visual", "-display", "-geometry", "--test-error"}) {
-        EXPECT_EQ(refused({"-root", option}), std::string(option) + " needs a value");
-    }
 }
 
 TEST(CommandLine, RefusesAnUnknownOptionByName) {
@@ -200,6 +152,64 @@ TEST(CommandLine, HelpNamesEveryOption) {
           "--list-devices", "--validate",   "--module", "--version",   "--help"}) {
         EXPECT_NE(help.find(option), std::string_view::npos) << option;
     }
+}
+
+TEST(CommandLine, KnowsTheWaysToShow) {
+    EXPECT_EQ(accepted({"--window"}).mode, Mode::Window);
+    EXPECT_EQ(accepted({"--fullscreen"}).mode, Mode::Fullscreen);
+    EXPECT_EQ(accepted({"--root"}).mode, Mode::Root);
+    EXPECT_EQ(accepted({"--window-id", "0x3c00007"}).mode, Mode::WindowId);
+    EXPECT_EQ(accepted({"--window-id", "0x3c00007"}).windowIdentifier, 0x3c00007U);
+    EXPECT_EQ(accepted({"--window-id", "62914567"}).windowIdentifier, 62914567U);
+}
+
+TEST(CommandLine, TakesWhatHostsWriteWithOneDash) {
+    EXPECT_EQ(accepted({"-root"}).mode, Mode::Root);
+    EXPECT_EQ(accepted({"-window-id", "12"}).windowIdentifier, 12U);
+    EXPECT_EQ(accepted({"-window"}).mode, Mode::Window);
+    EXPECT_EQ(accepted({"-help"}).mode, Mode::Help);
+    EXPECT_EQ(accepted({"-version"}).mode, Mode::Version);
+    EXPECT_EQ(refused({"-fullscreen"}), "unknown option -fullscreen (--help lists them)");
+}
+
+TEST(CommandLine, APreviewsWindowWinsOverTheRoot) {
+    EXPECT_EQ(accepted({"--root", "--window-id", "0x12"}).mode, Mode::WindowId);
+    EXPECT_EQ(accepted({"--window-id", "0x12", "-root"}).mode, Mode::WindowId);
+}
+
+TEST(CommandLine, RefusesWhatIsNoWindow) {
+    for (const char* text : {"0", "0x", "window", "-3", "0x100000000", "12 "}) {
+        EXPECT_EQ(refused({"--window-id", text}),
+                  std::string("--window-id ") + text + ": an X11 window looks like 0x3c00007 or 62914567");
+    }
+    EXPECT_EQ(refused({"--window-id"}), "--window-id needs a value");
+}
+
+TEST(CommandLine, AcceptsWhatHostsAddAndMeansNothing) {
+    for (const char* option : {"-fps", "--fps", "-no-fps", "--no-fps", "-mono", "--mono", "-install", "--install",
+                               "-noinstall", "--noinstall"}) {
+        EXPECT_EQ(accepted({"-root", option}).mode, Mode::Root) << option;
+        EXPECT_EQ(accepted({option, "-root"}).mode, Mode::Root) << option;
+    }
+    for (const char* option : {"-visual", "--visual", "-geometry", "--geometry"}) {
+        EXPECT_EQ(accepted({"-root", option, "default"}).mode, Mode::Root) << option;
+        EXPECT_EQ(refused({"-root", option}), std::string(option) + " needs a value");
+    }
+}
+
+TEST(CommandLine, TakesTheDisplay) {
+    EXPECT_EQ(accepted({"-display", ":1.0"}).display, ":1.0");
+    EXPECT_EQ(accepted({"--display", "host:0"}).display, "host:0");
+}
+
+TEST(CommandLine, TakesAnErrorToShow) {
+    EXPECT_EQ(accepted({"--test-error", "303"}).testError, (host::ErrorCode{303, 0}));
+    EXPECT_EQ(accepted({"--test-error", "200:-6661"}).testError, (host::ErrorCode{200, -6661}));
+    EXPECT_EQ(accepted({"--root", "--test-error", "-1:0"}).testError, (host::ErrorCode{-1, 0}));
+    for (const char* text : {"", ":", "x", "303:", ":5", "303:x", "1.5"}) {
+        EXPECT_NE(refused({"--test-error", text}), "") << text;
+    }
+    EXPECT_EQ(refused({"--headless", "--test-error", "303"}), "--test-error needs a window");
 }
 
 }  // namespace

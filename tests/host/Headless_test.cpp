@@ -234,7 +234,7 @@ TEST(Program, PrintsHelpAndVersion) {
 
 TEST(Program, WithoutADisplayTheWindowIsAClearFailure) {
     const ProcessEnd end = runCirrane({}, noDisplay);
-    expectFailure(end, 1, "no X11 display");
+    expectFailure(end, 1, "no display to open a window on");
     expectFailure(runCirrane({}, {"DISPLAY=:4711", "WAYLAND_DISPLAY"}), 1, "cannot be opened");
 }
 

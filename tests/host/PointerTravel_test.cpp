@@ -9,65 +9,70 @@ using namespace std::chrono_literals;
 
 TEST(PointerTravel, TheFirstPlaceIsNoMovement) {
     PointerTravel pointer;
-    EXPECT_FALSE(pointer.movedTo(1900.0, 1000.0, 0ms));
+    EXPECT_FALSE(pointer.movedTo(500, 500, 0ms));
 }
 
-TEST(PointerTravel, TenPixelsAreATremor) {
+TEST(PointerTravel, MoreThanTenPixelsWithinHalfASecondIsMovement) {
     PointerTravel pointer;
-    pointer.movedTo(100.0, 100.0, 0ms);
-    EXPECT_FALSE(pointer.movedTo(110.0, 100.0, 100ms));
-    EXPECT_FALSE(pointer.movedTo(106.0, 108.0, 200ms));
+    EXPECT_FALSE(pointer.movedTo(0, 0, 0ms));
+    EXPECT_FALSE(pointer.movedTo(10, 0, 100ms));
+    EXPECT_TRUE(pointer.movedTo(11, 0, 200ms));
 }
 
-TEST(PointerTravel, MoreThanTenPixelsWithinHalfASecondAreAnIntention) {
+TEST(PointerTravel, DistanceIsMeasuredAlongTheLine) {
     PointerTravel pointer;
-    pointer.movedTo(100.0, 100.0, 0ms);
-    EXPECT_TRUE(pointer.movedTo(100.0, 89.0, 499ms));
+    EXPECT_FALSE(pointer.movedTo(0, 0, 0ms));
+    EXPECT_FALSE(pointer.movedTo(7, 7, 100ms));
+    EXPECT_TRUE(pointer.movedTo(8, 8, 200ms));
 }
 
-TEST(PointerTravel, ManySmallStepsInOneDirectionAreAnIntention) {
+TEST(PointerTravel, SlowDriftIsNone) {
     PointerTravel pointer;
-    pointer.movedTo(100.0, 100.0, 0ms);
-    bool moved = false;
-    for (int step = 1; step <= 11; ++step) {
-        moved = pointer.movedTo(100.0 + step, 100.0, step * 20ms);
-        EXPECT_EQ(moved, step == 11) << step;
+    for (int step = 0; step < 200; ++step) {
+        EXPECT_FALSE(pointer.movedTo(step * 4.0, 0, step * 250ms)) << step;
     }
 }
 
-TEST(PointerTravel, TremblingForHoursIsNone) {
+TEST(PointerTravel, TremblingInPlaceIsNone) {
     PointerTravel pointer;
-    for (int step = 0; step < 100'000; ++step) {
-        ASSERT_FALSE(pointer.movedTo(100.0 + step % 2 * 7.0, 100.0 + step % 3 * 3.0, step * 10ms)) << step;
+    for (int step = 0; step < 200; ++step) {
+        EXPECT_FALSE(pointer.movedTo(step % 2 == 0 ? 0 : 8, step % 3, step * 10ms)) << step;
     }
 }
 
-TEST(PointerTravel, ASlowDriftIsNone) {
+TEST(PointerTravel, AFastStrokeAfterALongRestIsMovement) {
     PointerTravel pointer;
-    for (int step = 0; step < 1000; ++step) {
-        ASSERT_FALSE(pointer.movedTo(step, 0.0, step * 100ms)) << step;
+    EXPECT_FALSE(pointer.movedTo(0, 0, 0ms));
+    EXPECT_TRUE(pointer.movedTo(100, 0, 1h));
+}
+
+TEST(PointerTravel, AStrokeThereAndBackIsMovement) {
+    PointerTravel pointer;
+    EXPECT_FALSE(pointer.movedTo(0, 0, 0ms));
+    EXPECT_TRUE(pointer.movedTo(12, 0, 20ms));
+    EXPECT_TRUE(pointer.movedTo(0, 0, 40ms));
+}
+
+TEST(PointerTravel, ManySmallStepsInOneDirectionAreMovement) {
+    PointerTravel pointer;
+    for (int step = 0; step <= 11; ++step) {
+        EXPECT_EQ(pointer.movedTo(step, 0, step * 20ms), step == 11) << step;
     }
 }
 
-TEST(PointerTravel, AJumpAfterALongRestIsAnIntention) {
+TEST(PointerTravel, PlacesLeftMoreThanHalfASecondAgoDoNotCount) {
     PointerTravel pointer;
-    pointer.movedTo(100.0, 100.0, 0ms);
-    EXPECT_TRUE(pointer.movedTo(150.0, 100.0, 60min)) << "it lay still where it was until just before";
-}
-
-TEST(PointerTravel, PlacesLeftLongerThanHalfASecondAgoDoNotCount) {
-    PointerTravel pointer;
-    pointer.movedTo(100.0, 100.0, 0ms);
-    pointer.movedTo(106.0, 100.0, 1000ms);
-    EXPECT_FALSE(pointer.movedTo(112.0, 100.0, 1500ms));
+    EXPECT_FALSE(pointer.movedTo(100, 100, 0ms));
+    EXPECT_FALSE(pointer.movedTo(106, 100, 1000ms));
+    EXPECT_FALSE(pointer.movedTo(112, 100, 1500ms));
 }
 
 TEST(PointerTravel, WhatIsForgottenDoesNotCount) {
     PointerTravel pointer;
-    pointer.movedTo(100.0, 100.0, 0ms);
+    EXPECT_FALSE(pointer.movedTo(100, 100, 0ms));
     pointer.forget();
-    EXPECT_FALSE(pointer.movedTo(2000.0, 100.0, 1ms));
-    EXPECT_TRUE(pointer.movedTo(2011.0, 100.0, 2ms));
+    EXPECT_FALSE(pointer.movedTo(2000, 100, 1ms));
+    EXPECT_TRUE(pointer.movedTo(2011, 100, 2ms));
 }
 
 }  // namespace

@@ -5,7 +5,9 @@
 #include "platform/PreferencesStore.hpp"
 #include "platform/gpu/Backend.hpp"
 #include "platform/gpu/vulkan/VulkanBackend.hpp"
+#include "platform/ui/ScreenSaverView.hpp"
 
+#include <QtWidgets/QApplication>
 #include <iostream>
 #include <memory>
 #include <variant>
@@ -14,6 +16,8 @@ int main(int argumentCount, char** arguments) {
     if (argumentCount != 2) {
         return 2;
     }
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argumentCount, arguments);
     gpu::setBackend(gpu::vulkan::makeVulkanBackend({}));
     platform::setPreferencesStore(platform::makeMemoryPreferencesStore());
     const auto loaded = host::loadSaverModule(arguments[1]);
@@ -22,11 +26,12 @@ int main(int argumentCount, char** arguments) {
         std::cerr << std::get<std::string>(loaded) << '\n';
         return 2;
     }
-    const auto view = std::make_shared<host::HeadlessView>(gpu::Extent{64, 64}, host::HeadlessView::Display{},
-                                                           std::make_shared<host::FrameRecorder>(1));
-    const auto session = (*module)->createSession(view, false, 0);
-    const auto error = session->startAnimation();
-    session->stopAnimation();
+    const std::unique_ptr<platform::ScreenSaverView> view((*module)->createView({0, 0, 64, 64}, false));
+    view->setHostView(std::make_shared<host::HeadlessView>(gpu::Extent{64, 64}, host::HeadlessView::Display{},
+                                                           std::make_shared<host::FrameRecorder>(1)));
+    view->startAnimation();
+    const auto error = view->shownError();
+    view->stopAnimation();
     if (error) {
         std::cout << error->code() << ':' << error->userInfoText("QZLErrorSubCodeKey").value_or("none") << ' '
                   << error->localizedDescription() << '\n';

@@ -1,0 +1,252 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <xcb/xcb.h>
+#include <xcb/xtest.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace fake {
+
+struct Free {
+    void operator()(void* memory) const { std::free(memory); }
+};
+template <typename T>
+using Reply = std::unique_ptr<T, Free>;
+
+/// What a person at the X display sees and does.
+class Display {
+public:
+    Display() : _connection(xcb_connect(nullptr, nullptr)) {
+        if (xcb_connection_has_error(_connection) != 0) {
+            ADD_FAILURE() << "these tests need an X display: run them through ./test";
+            std::abort();
+        }
+        _root = xcb_setup_roots_iterator(xcb_get_setup(_connection)).data->root;
+    }
+    ~Display() { xcb_disconnect(_connection); }
+    Display(const Display&) = delete;
+    Display& operator=(const Display&) = delete;
+
+    /// The mapped top-level window of that title.
+    std::optional<xcb_window_t> findWindow(const std::string& title) const {
+        const Reply<xcb_query_tree_reply_t> tree(
+            xcb_query_tree_reply(_connection, xcb_query_tree(_connection, _root), nullptr));
+        const xcb_window_t* children = xcb_query_tree_children(tree.get());
+        for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i) {
+            if (titleOf(children[i]) == title && isMapped(children[i])) {
+                return children[i];
+            }
+        }
+        return {};
+    }
+
+    /// Blue, green, red, unused per pixel; empty when the window is not there.
+    std::vector<std::uint8_t> pixels(xcb_window_t window) const {
+        const Reply<xcb_get_geometry_reply_t> geometry(
+            xcb_get_geometry_reply(_connection, xcb_get_geometry(_connection, window), nullptr));
+        if (geometry == nullptr) {
+            return {};
+        }
+        const Reply<xcb_get_image_reply_t> image(
+            xcb_get_image_reply(_connection,
+                                xcb_get_image(_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, _root, geometry->x, geometry->y,
+                                              geometry->width, geometry->height, ~0U),
+                                nullptr));
+        if (image == nullptr) {
+            return {};
+        }
+        const std::uint8_t* data = xcb_get_image_data(image.get());
+        return {data, data + xcb_get_image_data_length(image.get())};
+    }
+
+    /// A mapped window of the test's own, whose events of these kinds come to `nextEvent`.
+    xcb_window_t makeWindow(std::uint16_t width, std::uint16_t height, std::uint32_t events) const {
+        const xcb_window_t window = xcb_generate_id(_connection);
+        const std::uint32_t values[] = {0, 1, events};  // black; out of any window manager's hands
+        xcb_create_window(_connection, XCB_COPY_FROM_PARENT, window, _root, 40, 30, width, height, 0,
+                          XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                          XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
+        xcb_map_window(_connection, window);
+        settle();
+        return window;
+    }
+    void destroy(xcb_window_t window) const {
+        xcb_destroy_window(_connection, window);
+        settle();
+    }
+    /// The next event of that type that a window of the test's own was sent, if one has come.
+    bool takeEvent(std::uint8_t type, xcb_window_t window) const {
+        while (const Reply<xcb_generic_event_t> event{xcb_poll_for_event(_connection)}) {
+            const auto* button = reinterpret_cast<const xcb_button_press_event_t*>(event.get());
+            if ((event->response_type & 0x7f) == type && button->event == window) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    /// Puts the pointer there, as a person's hand would.
+    void movePointer(std::int16_t x, std::int16_t y) const { fakeInput(XCB_MOTION_NOTIFY, 0, x, y); }
+    void clickButton() const {
+        fakeInput(XCB_BUTTON_PRESS, 1);
+        fakeInput(XCB_BUTTON_RELEASE, 1);
+    }
+    void typeKey(std::uint32_t keysym) const {
+        fakeInput(XCB_KEY_PRESS, keycodeOf(keysym));
+        fakeInput(XCB_KEY_RELEASE, keycodeOf(keysym));
+    }
+
+    void focus(xcb_window_t window) const {
+        xcb_set_input_focus(_connection, XCB_INPUT_FOCUS_POINTER_ROOT, window, XCB_CURRENT_TIME);
+        settle();
+    }
+
+    /// The windows below that one, at any depth.
+    std::vector<xcb_window_t> windowsBelow(xcb_window_t window) const {
+        const Reply<xcb_query_tree_reply_t> tree(
+            xcb_query_tree_reply(_connection, xcb_query_tree(_connection, window), nullptr));
+        std::vector<xcb_window_t> all;
+        for (int i = 0; tree != nullptr && i < xcb_query_tree_children_length(tree.get()); ++i) {
+            const xcb_window_t child = xcb_query_tree_children(tree.get())[i];
+            all.push_back(child);
+            const auto below = windowsBelow(child);
+            all.insert(all.end(), below.begin(), below.end());
+        }
+        return all;
+    }
+    /// What anybody has selected on a window.
+    std::uint32_t selectedEvents(xcb_window_t window) const {
+        const Reply<xcb_get_window_attributes_reply_t> attributes(
+            xcb_get_window_attributes_reply(_connection, xcb_get_window_attributes(_connection, window), nullptr));
+        return attributes != nullptr ? attributes->all_event_masks : 0;
+    }
+    std::pair<std::uint16_t, std::uint16_t> sizeOf(xcb_window_t window) const {
+        const Reply<xcb_get_geometry_reply_t> geometry(
+            xcb_get_geometry_reply(_connection, xcb_get_geometry(_connection, window), nullptr));
+        return geometry != nullptr ? std::pair(geometry->width, geometry->height)
+                                   : std::pair<std::uint16_t, std::uint16_t>{};
+    }
+    void settle() const {
+        Reply<xcb_get_input_focus_reply_t>(
+            xcb_get_input_focus_reply(_connection, xcb_get_input_focus(_connection), nullptr));
+    }
+
+    void setMapped(xcb_window_t window, bool mapped) const {
+        mapped ? xcb_map_window(_connection, window) : xcb_unmap_window(_connection, window);
+        xcb_flush(_connection);
+    }
+
+    void resize(xcb_window_t window, std::uint32_t width, std::uint32_t height) const {
+        const std::uint32_t size[] = {width, height};
+        xcb_configure_window(_connection, window, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);
+        xcb_flush(_connection);
+    }
+
+    /// A key press as a window manager's client would get it.
+    void pressKey(xcb_window_t window, std::uint32_t keysym) const {
+        xcb_key_press_event_t event{};
+        event.response_type = XCB_KEY_PRESS;
+        event.detail = keycodeOf(keysym);
+        event.root = _root;
+        event.event = window;
+        event.same_screen = 1;
+        xcb_send_event(_connection, 0, window, XCB_EVENT_MASK_KEY_PRESS, reinterpret_cast<const char*>(&event));
+        xcb_flush(_connection);
+    }
+
+    /// What a window manager sends when the close button is clicked.
+    void askToClose(xcb_window_t window) const {
+        xcb_client_message_event_t event{};
+        event.response_type = XCB_CLIENT_MESSAGE;
+        event.format = 32;
+        event.window = window;
+        event.type = atom("WM_PROTOCOLS");
+        event.data.data32[0] = atom("WM_DELETE_WINDOW");
+        xcb_send_event(_connection, 0, window, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char*>(&event));
+        xcb_flush(_connection);
+    }
+
+private:
+    void fakeInput(std::uint8_t type, std::uint8_t detail, std::int16_t x = 0, std::int16_t y = 0) const {
+        xcb_test_fake_input(_connection, type, detail, XCB_CURRENT_TIME, _root, x, y, 0);
+        settle();
+    }
+
+    xcb_atom_t atom(const std::string& name) const {
+        const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
+            _connection, xcb_intern_atom(_connection, 0, static_cast<std::uint16_t>(name.size()), name.c_str()),
+            nullptr));
+        return reply->atom;
+    }
+
+    std::string titleOf(xcb_window_t window) const {
+        const Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+            _connection,
+            xcb_get_property(_connection, 0, window, atom("_NET_WM_NAME"), XCB_GET_PROPERTY_TYPE_ANY, 0, 64), nullptr));
+        if (reply == nullptr) {
+            return {};
+        }
+        return {static_cast<const char*>(xcb_get_property_value(reply.get())),
+                static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
+    }
+
+    bool isMapped(xcb_window_t window) const {
+        const Reply<xcb_get_window_attributes_reply_t> reply(
+            xcb_get_window_attributes_reply(_connection, xcb_get_window_attributes(_connection, window), nullptr));
+        return reply != nullptr && reply->map_state == XCB_MAP_STATE_VIEWABLE;
+    }
+
+    xcb_keycode_t keycodeOf(std::uint32_t keysym) const {
+        const xcb_setup_t* setup = xcb_get_setup(_connection);
+        const auto count = static_cast<std::uint8_t>(setup->max_keycode - setup->min_keycode + 1);
+        const Reply<xcb_get_keyboard_mapping_reply_t> mapping(xcb_get_keyboard_mapping_reply(
+            _connection, xcb_get_keyboard_mapping(_connection, setup->min_keycode, count), nullptr));
+        const xcb_keysym_t* symbols = xcb_get_keyboard_mapping_keysyms(mapping.get());
+        for (int i = 0; i < count; ++i) {
+            if (symbols[i * mapping->keysyms_per_keycode] == keysym) {
+                return static_cast<xcb_keycode_t>(setup->min_keycode + i);
+            }
+        }
+        return 0;
+    }
+
+    xcb_connection_t* _connection;
+    xcb_window_t _root;
+};
+
+/// The mean brightness of a picture's colour bytes.
+inline double brightness(const std::vector<std::uint8_t>& pixels) {
+    double sum = 0.0;
+    for (std::size_t i = 0; i + 3 < pixels.size(); i += 4) {
+        sum += pixels[i] + pixels[i + 1] + pixels[i + 2];
+    }
+    return pixels.empty() ? 0.0 : sum / (static_cast<double>(pixels.size()) * 0.75);
+}
+
+/// The share of pixels that are of that colour, 0xRRGGBB.
+inline double shareOf(std::uint32_t color, const std::vector<std::uint8_t>& pixels) {
+    std::size_t count = 0;
+    for (std::size_t i = 0; i + 3 < pixels.size(); i += 4) {
+        count += (pixels[i] | pixels[i + 1] << 8 | pixels[i + 2] << 16) == static_cast<int>(color) ? 1 : 0;
+    }
+    return pixels.empty() ? 0.0 : static_cast<double>(count) * 4.0 / static_cast<double>(pixels.size());
+}
+
+/// The mean difference of two pictures' colour bytes.
+inline double difference(const std::vector<std::uint8_t>& a, const std::vector<std::uint8_t>& b) {
+    double sum = 0.0;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        sum += i % 4 == 3 ? 0.0 : std::abs(a[i] - b[i]);
+    }
+    return a.empty() ? 0.0 : sum / (static_cast<double>(a.size()) * 0.75);
+}
+
+}  // namespace fake
