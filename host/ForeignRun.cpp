@@ -2,7 +2,6 @@
 #include "host/ForeignWindow.hpp"
 #include "host/SaverWindows.hpp"
 #include "host/WindowRun.hpp"
-#include "host/WindowSystem.hpp"
 
 #include <QtGui/QScreen>
 #include <QtGui/QWindow>
@@ -28,19 +27,20 @@ QScreen* screenAt(const QRect& place) {
 }
 
 void putInto(QWidget& widget, QWindow& parent, QSize size) {
-    // All that a person does is for the parent's owner.
-    widget.setWindowFlags(Qt::FramelessWindowHint | Qt::WindowTransparentForInput);
+    // All that a person does is for the parent's owner, and where it lies is for nobody else to say.
+    widget.setWindowFlags(Qt::FramelessWindowHint | Qt::BypassWindowManagerHint | Qt::WindowTransparentForInput);
     widget.setAttribute(Qt::WA_ShowWithoutActivating);
     widget.setFocusPolicy(Qt::NoFocus);
+    widget.setGeometry(QRect(QPoint(), size));  // before there is a native window, which would come in another size
     ignoreInput(static_cast<std::uint32_t>(widget.winId()));
     widget.windowHandle()->setParent(&parent);
-    widget.setGeometry(QRect(QPoint(), size));
 }
 
 }  // namespace
 
 std::optional<std::string> runInForeignWindow(const Showing& showing, std::uint32_t window,
                                               const TerminationSignals& signals) {
+    QApplication::setQuitOnLastWindowClosed(false);
     ForeignWindow foreign(window);
     const auto size = foreign.size();
     if (!size) {
@@ -54,12 +54,13 @@ std::optional<std::string> runInForeignWindow(const Showing& showing, std::uint3
     SaverWindows windows(showing);
     SaverWindow& inside = windows.add();
     putInto(inside, *parent, *size);
-    foreign.setResizeHandler([&](QSize newSize) { inside.setGeometry(QRect(QPoint(), newSize)); });
-    foreign.setDestroyHandler([] {
-        WindowSystem::ignoreFurtherMessages();  // our windows have gone with it
-        QApplication::exit(0);
+    foreign.setResizeHandler([&](QSize newSize) {
+        parent->setScreen(screenAt(foreign.placeOnDesktop()));
+        inside.setGeometry(QRect(QPoint(), newSize));
     });
-    inside.show();
+    foreign.setMapHandler([&](bool isMapped) { inside.setVisible(isMapped); });
+    foreign.setDestroyHandler([] { QApplication::exit(0); });
+    inside.setVisible(foreign.isMapped());
     runEventLoop(signals);
     return {};
 }

@@ -24,10 +24,14 @@ Reply<xcb_get_geometry_reply_t> geometryOf(std::uint32_t window) {
         xcb_get_geometry_reply(connection(), xcb_get_geometry(connection(), window), nullptr));
 }
 
+Reply<xcb_get_window_attributes_reply_t> attributesOf(std::uint32_t window) {
+    return Reply<xcb_get_window_attributes_reply_t>(
+        xcb_get_window_attributes_reply(connection(), xcb_get_window_attributes(connection(), window), nullptr));
+}
+
 /// Our own part of what a window's events go to.
 std::uint32_t selectedEvents(std::uint32_t window) {
-    const Reply<xcb_get_window_attributes_reply_t> attributes(
-        xcb_get_window_attributes_reply(connection(), xcb_get_window_attributes(connection(), window), nullptr));
+    const auto attributes = attributesOf(window);
     return attributes != nullptr ? attributes->your_event_mask : 0;
 }
 
@@ -51,7 +55,14 @@ ForeignWindow::~ForeignWindow() {
 
 std::optional<QSize> ForeignWindow::size() const {
     const auto geometry = geometryOf(_window);
-    return geometry != nullptr ? std::optional(QSize(geometry->width, geometry->height)) : std::nullopt;
+    const auto attributes = attributesOf(_window);
+    const bool canBeDrawnIn = attributes != nullptr && attributes->_class == XCB_WINDOW_CLASS_INPUT_OUTPUT;
+    return geometry != nullptr && canBeDrawnIn ? std::optional(QSize(geometry->width, geometry->height)) : std::nullopt;
+}
+
+bool ForeignWindow::isMapped() const {
+    const auto attributes = attributesOf(_window);
+    return attributes != nullptr && attributes->map_state != XCB_MAP_STATE_UNMAPPED;
 }
 
 QRect ForeignWindow::placeOnDesktop() const {
@@ -79,6 +90,16 @@ bool ForeignWindow::nativeEventFilter(const QByteArray& eventType, void* message
             }
             break;
         }
+        case XCB_MAP_NOTIFY:
+            if (reinterpret_cast<const xcb_map_notify_event_t*>(event)->window == _window && _mapped) {
+                _mapped(true);
+            }
+            break;
+        case XCB_UNMAP_NOTIFY:
+            if (reinterpret_cast<const xcb_unmap_notify_event_t*>(event)->window == _window && _mapped) {
+                _mapped(false);
+            }
+            break;
         case XCB_DESTROY_NOTIFY:
             if (reinterpret_cast<const xcb_destroy_notify_event_t*>(event)->window == _window && _destroyed) {
                 _destroyed();

@@ -1,9 +1,8 @@
+#include "host/Dismissal.hpp"
 #include "host/EventLoop.hpp"
-#include "host/PointerTravel.hpp"
 #include "host/SaverWindows.hpp"
 #include "host/WindowRun.hpp"
 
-#include <QtGui/QMouseEvent>
 #include <QtGui/QScreen>
 #include <QtGui/QWindow>
 #include <QtWidgets/QApplication>
@@ -13,42 +12,27 @@
 namespace host {
 namespace {
 
-/// Ends the program when somebody touches the machine. Focus that comes and goes, keys that were held down before, and
-/// the pointer that a window is mapped under are nobody's touch.
-class Dismissal final : public QObject {
+/// Ends the program when somebody touches the machine.
+class TouchFilter final : public QObject {
 public:
+    explicit TouchFilter(Dismissal& dismissal) : _dismissal(dismissal) {}
+
     bool eventFilter(QObject*, QEvent* event) override {
-        if (isTouchOfAPerson(*event)) {
+        const auto now = std::chrono::steady_clock::now().time_since_epoch();
+        if (_dismissal.isAskedForBy(*event, std::chrono::duration_cast<std::chrono::milliseconds>(now))) {
             QApplication::exit(0);
         }
         return false;
     }
 
 private:
-    bool isTouchOfAPerson(const QEvent& event) {
-        switch (event.type()) {
-            case QEvent::KeyPress: return !static_cast<const QKeyEvent&>(event).isAutoRepeat();
-            case QEvent::MouseButtonPress:
-            case QEvent::Wheel:
-            case QEvent::TouchBegin:
-            case QEvent::TabletPress: return true;
-            case QEvent::MouseMove: {
-                const QPointF place = static_cast<const QMouseEvent&>(event).globalPosition();
-                const auto now = std::chrono::steady_clock::now().time_since_epoch();
-                return _pointer.movedTo(place.x(), place.y(),
-                                        std::chrono::duration_cast<std::chrono::milliseconds>(now));
-            }
-            default: return false;
-        }
-    }
-
-    PointerTravel _pointer;
+    Dismissal& _dismissal;
 };
 
 /// Keeps a window over each screen that there is.
 class CoveredScreens final : public QObject {
 public:
-    explicit CoveredScreens(const Showing& showing) : _windows(showing) {
+    CoveredScreens(const Showing& showing, Dismissal& dismissal) : _dismissal(dismissal), _windows(showing) {
         connect(qApp, &QGuiApplication::screenAdded, this, [this](QScreen* screen) { watch(screen); });
         connect(qApp, &QGuiApplication::screenRemoved, this, [this](QScreen* screen) { uncover(screen); });
         for (QScreen* screen : QGuiApplication::screens()) {
@@ -63,6 +47,7 @@ private:
     }
 
     void cover(QScreen* screen) {
+        _dismissal.screensChanged();
         if (screen->geometry().isEmpty()) {
             uncover(screen);  // stands for there being none
             return;
@@ -72,6 +57,7 @@ private:
         window.setGeometry(screen->geometry());  // without a window manager nobody else does
         if (isNew) {
             window.showFullScreen();
+            window.activateWindow();  // for the keys
         }
     }
 
@@ -88,6 +74,7 @@ private:
     }
 
     void uncover(QScreen* screen) {
+        _dismissal.screensChanged();
         const auto found = _byScreen.find(screen);
         if (found != _byScreen.end()) {
             _windows.remove(*found->second);
@@ -95,6 +82,7 @@ private:
         }
     }
 
+    Dismissal& _dismissal;
     SaverWindows _windows;
     std::map<QScreen*, SaverWindow*> _byScreen;
 };
@@ -103,9 +91,10 @@ private:
 
 void runFullscreen(const Showing& showing, const TerminationSignals& signals) {
     QApplication::setQuitOnLastWindowClosed(false);  // a machine may have no screen for a while
-    CoveredScreens screens(showing);
     Dismissal dismissal;
-    qApp->installEventFilter(&dismissal);
+    CoveredScreens screens(showing, dismissal);
+    TouchFilter touches(dismissal);
+    qApp->installEventFilter(&touches);
     runEventLoop(signals);
 }
 

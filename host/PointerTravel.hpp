@@ -16,6 +16,9 @@ public:
     /// from where it was at some moment within the window. The first place that is told of is no movement.
     bool movedTo(double x, double y, std::chrono::milliseconds now);
 
+    /// The next place is the first one again.
+    void forget() { _places.clear(); }
+
 private:
     struct Place {
         double x;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 
 namespace host {
@@ -8,7 +9,9 @@ namespace host {
 /// One per process, made before other threads start; main thread.
 class TerminationSignals {
 public:
-    TerminationSignals();
+    /// With a patience the signal ends the process that long after it came, whatever the main thread is waiting for: a
+    /// display server that stands still must not hold up who waits for the end.
+    explicit TerminationSignals(std::optional<std::chrono::milliseconds> patience = {});
     ~TerminationSignals();
     TerminationSignals(const TerminationSignals&) = delete;
     TerminationSignals& operator=(const TerminationSignals&) = delete;

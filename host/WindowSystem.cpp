@@ -11,13 +11,13 @@
 #include <QtWidgets/QApplication>
 #include <atomic>
 #include <cstring>
-#include <string_view>
 #include <utility>
 
 namespace host {
 namespace {
 
-// Qt ends the process when it cannot open the display, so it is asked only when that will go well.
+// Qt ends the process when it cannot open the display, so it is asked only when that will go well, or with a platform
+// behind the wanted one that always works.
 
 bool canOpenX11Display() {
     xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
@@ -61,7 +61,7 @@ std::pair<std::string, std::string> choosePlatform(WindowSystem::Kind kind) {
             return {wish, ""};
         }
         if (!wish.starts_with("xcb") && canOpenWaylandDisplay()) {
-            return {"wayland;xcb", ""};
+            return {"wayland;xcb;offscreen", ""};
         }
     }
     if (!qEnvironmentVariableIsSet("DISPLAY")) {
@@ -83,12 +83,17 @@ void takeOutScaling() {
     }
 }
 
-std::atomic<bool> isQuiet = false;
+std::atomic<bool> drawsInWindowsOfOthers = false;
 
-void passOn(QtMsgType type, const QMessageLogContext&, const QString& message) {
-    // Hosts that start savers in a poor environment do so on purpose.
-    const bool isExpected = message.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set"));
-    if (!isQuiet && !isExpected && type != QtDebugMsg && type != QtInfoMsg) {
+/// Hosts that start savers in a poor environment do so on purpose, and destroy the windows that these draw in when they
+/// like.
+bool isExpected(const QMessageLogContext& context, const QString& message) {
+    return message.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set")) ||
+           (drawsInWindowsOfOthers && qstrcmp(context.category, "qt.qpa.xcb") == 0);
+}
+
+void passOn(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+    if (type != QtDebugMsg && type != QtInfoMsg && !isExpected(context, message)) {
         platform::systemLog("cirrane: " + message.toStdString());
     }
 }
@@ -106,21 +111,24 @@ WindowSystem::WindowSystem(Kind kind) {
         _failure = std::move(reason);
         return;
     }
+    drawsInWindowsOfOthers = kind == Kind::X11Pixels;
     qInstallMessageHandler(passOn);
     qputenv("QT_QPA_PLATFORM", QByteArray::fromStdString(platform));
     if (kind != Kind::Desktop) {
         takeOutScaling();
     }
+    // A session that ends asks its programs whether they mind, and starts them again with the next one.
+    qunsetenv("SESSION_MANAGER");
     _application = std::make_unique<QApplication>(programArgumentCount, programArguments);
+    if (kind == Kind::Desktop && platform.ends_with(";offscreen") &&
+        QApplication::platformName() == QLatin1String("offscreen")) {
+        _failure = "Qt's platform for Wayland is not installed (Debian's package is qt6-wayland)";
+    }
     QApplication::setApplicationName(QStringLiteral("cirrane"));
     QApplication::setApplicationDisplayName(QStringLiteral("Cirrane"));
     QApplication::setDesktopFileName(QStringLiteral("cirrane"));
 }
 
 WindowSystem::~WindowSystem() = default;
-
-void WindowSystem::ignoreFurtherMessages() {
-    isQuiet = true;
-}
 
 }  // namespace host

@@ -26,9 +26,6 @@ public:
     /// Null when all is well, else one line that says why not.
     const std::optional<std::string>& failure() const { return _failure; }
 
-    /// For an end in which the toolkit would only complain of windows that others have destroyed.
-    static void ignoreFurtherMessages();
-
 private:
     std::optional<std::string> _failure;
     std::unique_ptr<QApplication> _application;

@@ -11,8 +11,12 @@
 #include "platform/gpu/vulkan/VulkanBackend.hpp"
 #include "platform/ui/LayerWidget.hpp"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cctype>
+#include <chrono>
 #include <clocale>
 #include <csignal>
 #include <cstdint>
@@ -29,6 +33,9 @@ namespace {
 
 constexpr int exitFailure = 1;
 constexpr int exitUsage = 2;
+
+/// Who ends a saver may wait for it, and with it the person at the machine.
+constexpr std::chrono::milliseconds patienceWithTheEnd{80};
 
 int complain(std::string_view reason, int status) {
     std::fprintf(stderr, "cirrane: %.*s\n", static_cast<int>(reason.size()), reason.data());
@@ -136,6 +143,7 @@ int runInWindows(const host::CommandLine& line, const host::TerminationSignals& 
     const bool isForeign = line.mode == host::Mode::Root || line.mode == host::Mode::WindowId;
     if (!line.display.empty()) {
         setenv("DISPLAY", line.display.c_str(), 1);  // NOLINT(concurrency-mt-unsafe): no other thread runs yet
+        setenv("QT_QPA_PLATFORM", "xcb", 1);         // NOLINT(concurrency-mt-unsafe): an X11 display is meant
     }
     std::uint32_t window = 0;
     if (isForeign) {
@@ -162,21 +170,18 @@ int runInWindows(const host::CommandLine& line, const host::TerminationSignals& 
     }
 
     const host::Showing showing{host::loadSaverModule(line.module), line.mode == host::Mode::WindowId, line.testError};
-    std::optional<std::string> failure;
+    int status = 0;
     if (const auto* reason = std::get_if<std::string>(&showing.saver)) {
-        failure = *reason;  // told at the end; the window shows it meanwhile
+        status = complain(*reason, exitFailure);  // and the window shows it until it is ended
     }
+    std::optional<std::string> failure;
     switch (line.mode) {
         case host::Mode::Fullscreen: host::runFullscreen(showing, signals); break;
         case host::Mode::Root:
-        case host::Mode::WindowId:
-            if (auto reason = host::runInForeignWindow(showing, window, signals)) {
-                failure = std::move(reason);
-            }
-            break;
+        case host::Mode::WindowId: failure = host::runInForeignWindow(showing, window, signals); break;
         default: host::runWindow(showing, signals); break;
     }
-    return finish(failure, signals);
+    return std::max(status, finish(failure, signals));
 }
 
 int run(const std::vector<std::string_view>& arguments) {
@@ -193,14 +198,24 @@ int run(const std::vector<std::string_view>& arguments) {
         case host::Mode::Window:
         case host::Mode::Fullscreen:
         case host::Mode::Root:
-        case host::Mode::WindowId: return runInWindows(line, host::TerminationSignals());
+        case host::Mode::WindowId: return runInWindows(line, host::TerminationSignals(patienceWithTheEnd));
     }
     return exitFailure;
+}
+
+/// What is opened next must not become a stream that others have closed, and get our complaints.
+void openStandardStreams() {
+    int descriptor = -1;
+    do {
+        descriptor = open("/dev/null", O_RDWR);
+    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
+    close(descriptor);
 }
 
 }  // namespace
 
 int main(int argumentCount, char** arguments) {
+    openStandardStreams();
     std::signal(SIGPIPE, SIG_IGN);  // standard error may be a pipe that nobody reads any more
     std::setlocale(LC_ALL, "");     // NOLINT(concurrency-mt-unsafe): no other thread runs yet
     try {

@@ -72,6 +72,27 @@ TEST(CommandLine, TakesTheOptionsOfEveryMode) {
     EXPECT_EQ(accepted({"--help"}).mode, Mode::Help);
 }
 
+TEST(CommandLine, OurOwnOptionsHaveTwo) {
+    EXPECT_EQ(refused({"-fullscreen"}), "unknown option -fullscreen (--help lists them)");
+    EXPECT_EQ(refused({"-headless"}), "unknown option -headless (--help lists them)");
+    EXPECT_EQ(refused({"---root"}), "unknown option ---root (--help lists them)");
+}
+
+TEST(CommandLine, FpsWithoutANumberIsTheHostsOwn) {
+    EXPECT_EQ(accepted({"--fps", "--root"}).mode, Mode::Root);
+    EXPECT_EQ(accepted({"--root", "--fps"}).mode, Mode::Root);
+    EXPECT_EQ(refused({"--root", "--fps", "60"}), "--fps goes with --headless only");
+}
+
+TEST(CommandLine, TakesAnErrorToShowInAnyWindow) {
+    for (const char* mode : {"--window", "--fullscreen", "--root"}) {
+        EXPECT_EQ(accepted({mode, "--test-error", "303"}).testError, (host::ErrorCode{303, 0})) << mode;
+    }
+    EXPECT_EQ(accepted({"--test-error", "200:-6661", "--window-id", "7"}).testError, (host::ErrorCode{200, -6661}));
+    EXPECT_EQ(accepted({"--test-error", "-9223372036854775808:9223372036854775807"}).testError,
+              (host::ErrorCode{INT64_MIN, INT64_MAX}));
+}
+
 TEST(CommandLine, RefusesAnUnknownOptionByName) {
     EXPECT_EQ(refused({"--fast"}), "unknown option --fast (--help lists them)");
     EXPECT_EQ(refused({"picture.png"}), "unknown option picture.png (--help lists them)");
@@ -102,16 +123,19 @@ TEST_P(RefusedValue, IsAClearLineThatNamesOptionAndValue) {
 
 INSTANTIATE_TEST_SUITE_P(
     CommandLine, RefusedValue,
-    testing::Values(std::pair{"--size", "1920"}, std::pair{"--size", "x"}, std::pair{"--size", "12x"},
-                    std::pair{"--size", "-1x5"}, std::pair{"--size", "0x480"}, std::pair{"--size", "640x0"},
-                    std::pair{"--size", "16385x10"}, std::pair{"--size", "10x16385"},
-                    std::pair{"--size", "99999999999x10"}, std::pair{"--size", "10x10x10"},
-                    std::pair{"--size", "10 x10"}, std::pair{"--frames", "0"}, std::pair{"--frames", "-1"},
-                    std::pair{"--frames", "1.5"}, std::pair{"--frames", "99999999999999999999"},
-                    std::pair{"--fps", "0"}, std::pair{"--fps", "nan"}, std::pair{"--fps", "inf"},
-                    std::pair{"--fps", "1e9"}, std::pair{"--fps", "60,5"}, std::pair{"--time", "now"},
-                    std::pair{"--set", "Speed"}, std::pair{"--set", "Speed="}, std::pair{"--set", "Speed=fast"},
-                    std::pair{"--set", "speed=1"}, std::pair{"--set", "=1"}, std::pair{"--every", "0"}));
+    testing::Values(
+        std::pair{"--size", "1920"}, std::pair{"--size", "x"}, std::pair{"--size", "12x"}, std::pair{"--size", "-1x5"},
+        std::pair{"--size", "0x480"}, std::pair{"--size", "640x0"}, std::pair{"--size", "16385x10"},
+        std::pair{"--size", "10x16385"}, std::pair{"--size", "99999999999x10"}, std::pair{"--size", "10x10x10"},
+        std::pair{"--size", "10 x10"}, std::pair{"--frames", "0"}, std::pair{"--frames", "-1"},
+        std::pair{"--frames", "1.5"}, std::pair{"--frames", "99999999999999999999"}, std::pair{"--fps", "0"},
+        std::pair{"--fps", "nan"}, std::pair{"--fps", "inf"}, std::pair{"--fps", "1e9"}, std::pair{"--fps", "60,5"},
+        std::pair{"--time", "now"}, std::pair{"--set", "Speed"}, std::pair{"--set", "Speed="},
+        std::pair{"--set", "Speed=fast"}, std::pair{"--set", "speed=1"}, std::pair{"--set", "=1"},
+        std::pair{"--every", "0"}, std::pair{"--window-id", "0"}, std::pair{"--window-id", "token"},
+        std::pair{"--window-id", "-1"}, std::pair{"--window-id", "0x100000000"}, std::pair{"-window-id", "7 "},
+        std::pair{"--test-error", "all"}, std::pair{"--test-error", "303:"}, std::pair{"--test-error", ":1"},
+        std::pair{"--test-error", "303:1:2"}, std::pair{"--test-error", "9223372036854775808"}));
 
 TEST(CommandLine, TheLargestSizeIsAccepted) {
     const CommandLine line = accepted({"--headless", "--size", "16384x16384"});
@@ -121,8 +145,11 @@ TEST(CommandLine, TheLargestSizeIsAccepted) {
 TEST(CommandLine, HelpNamesEveryOption) {
     const std::string_view help = host::helpText();
     for (const char* option :
-         {"--headless", "--size", "--frames", "--fps", "--realtime", "--time", "--set", "--output", "--every",
-          "--stats", "--device", "--list-devices", "--validate", "--module", "--version", "--help"}) {
+         {"--window",       "--fullscreen", "--root",   "--window-id", "--test-error", "--display",
+          "-fps",           "-no-fps",      "-visual",  "-geometry",   "-mono",        "-install",
+          "-noinstall",     "--headless",   "--size",   "--frames",    "--fps",        "--realtime",
+          "--time",         "--set",        "--output", "--every",     "--stats",      "--device",
+          "--list-devices", "--validate",   "--module", "--version",   "--help"}) {
         EXPECT_NE(help.find(option), std::string_view::npos) << option;
     }
 }

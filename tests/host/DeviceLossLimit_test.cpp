@@ -15,6 +15,15 @@ TEST(DeviceLossLimit, ThreeLossesWithinAMinuteAreMadeUpForAndTheFourthIsNot) {
     EXPECT_FALSE(limit.mayRecover(59s));
 }
 
+TEST(DeviceLossLimit, AMinuteAfterTheFirstThereIsRoomForAnother) {
+    DeviceLossLimit limit;
+    for (int loss = 0; loss < 3; ++loss) {
+        EXPECT_TRUE(limit.mayRecover(loss * 1s));
+    }
+    EXPECT_TRUE(limit.mayRecover(60s));
+    EXPECT_FALSE(limit.mayRecover(60'999ms)) << "the second was less than a minute ago";
+}
+
 TEST(DeviceLossLimit, LossesAMinuteApartAreMadeUpForAgainAndAgain) {
     DeviceLossLimit limit;
     for (int loss = 0; loss < 100; ++loss) {

@@ -53,4 +53,26 @@ TEST(PointerTravel, AStrokeThereAndBackIsMovement) {
     EXPECT_TRUE(pointer.movedTo(0, 0, 40ms));
 }
 
+TEST(PointerTravel, ManySmallStepsInOneDirectionAreMovement) {
+    PointerTravel pointer;
+    for (int step = 0; step <= 11; ++step) {
+        EXPECT_EQ(pointer.movedTo(step, 0, step * 20ms), step == 11) << step;
+    }
+}
+
+TEST(PointerTravel, PlacesLeftMoreThanHalfASecondAgoDoNotCount) {
+    PointerTravel pointer;
+    EXPECT_FALSE(pointer.movedTo(100, 100, 0ms));
+    EXPECT_FALSE(pointer.movedTo(106, 100, 1000ms));
+    EXPECT_FALSE(pointer.movedTo(112, 100, 1500ms));
+}
+
+TEST(PointerTravel, WhatIsForgottenDoesNotCount) {
+    PointerTravel pointer;
+    EXPECT_FALSE(pointer.movedTo(100, 100, 0ms));
+    pointer.forget();
+    EXPECT_FALSE(pointer.movedTo(2000, 100, 1ms));
+    EXPECT_TRUE(pointer.movedTo(2011, 100, 2ms));
+}
+
 }  // namespace
