@@ -136,6 +136,18 @@ public:
         return geometry != nullptr ? std::pair(geometry->width, geometry->height)
                                    : std::pair<std::uint16_t, std::uint16_t>{};
     }
+    /// Where on the screen its top left corner is.
+    std::pair<int, int> placeOf(xcb_window_t window) const {
+        const Reply<xcb_translate_coordinates_reply_t> corner(xcb_translate_coordinates_reply(
+            _connection, xcb_translate_coordinates(_connection, window, _root, 0, 0), nullptr));
+        return corner != nullptr ? std::pair<int, int>(corner->dst_x, corner->dst_y) : std::pair<int, int>();
+    }
+    /// Whether events of these kinds are still to be had.
+    bool canSelect(xcb_window_t window, std::uint32_t events) const {
+        const Reply<xcb_generic_error_t> error(xcb_request_check(
+            _connection, xcb_change_window_attributes_checked(_connection, window, XCB_CW_EVENT_MASK, &events)));
+        return error == nullptr;
+    }
     void settle() const {
         Reply<xcb_get_input_focus_reply_t>(
             xcb_get_input_focus_reply(_connection, xcb_get_input_focus(_connection), nullptr));

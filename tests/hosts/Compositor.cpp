@@ -82,7 +82,10 @@ void Sway::tell(const std::string& command) {
 }
 
 Weston::Weston(Size outputSize, int scale) {
-    start({"/usr/bin/weston", "--backend=headless-backend.so", "--use-pixman", "--no-config", "--idle-time=0",
+    const auto configuration = home().path() / "weston.ini";
+    std::ofstream(configuration) << "[shell]\npanel-position=none\n";  // its clock moves too
+    start({"/usr/bin/weston", "--backend=headless-backend.so", "--use-pixman", "--config=" + configuration.string(),
+           "--idle-time=0",
            "--debug",  // without it nobody may take pictures
            "--socket=" + socketName(), "--width=" + std::to_string(outputSize.width),
            "--height=" + std::to_string(outputSize.height), "--scale=" + std::to_string(scale)});

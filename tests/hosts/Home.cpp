@@ -17,6 +17,11 @@ std::vector<std::string> Home::environment() const {
     return {"HOME=" + path().string(), "XDG_RUNTIME_DIR=" + runtimeDirectory().string()};
 }
 
+void Home::storeSetting(const std::string& setting) const {
+    std::filesystem::create_directory(path() / ".config");
+    std::ofstream(path() / ".config" / "org.example.cirrane.conf") << "[General]\n" << setting << '\n';
+}
+
 bool Home::holdsErrorReport() const {
     for (const auto& entry : std::filesystem::recursive_directory_iterator(path())) {
         if (entry.path().extension() == ".conf") {

@@ -18,6 +18,8 @@ public:
     std::filesystem::path runtimeDirectory() const { return path() / "runtime"; }
     /// What a program needs to live here, for `fake::Process`.
     std::vector<std::string> environment() const;
+    /// Stores a setting of the saver's, "Key=value", as the saver would.
+    void storeSetting(const std::string& setting) const;
     /// Whether a program that lived here has put an error aside, to be reported later.
     bool holdsErrorReport() const;
 
