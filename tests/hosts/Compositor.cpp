@@ -87,8 +87,8 @@ Weston::Weston(Size outputSize, int scale) {
     start({"/usr/bin/weston", "--backend=headless-backend.so", "--use-pixman", "--config=" + configuration.string(),
            "--idle-time=0",
            "--debug",  // without it nobody may take pictures
-           "--socket=" + socketName(), "--width=" + std::to_string(outputSize.width),
-           "--height=" + std::to_string(outputSize.height), "--scale=" + std::to_string(scale)});
+           "--socket=" + socketName(), "--width=" + std::to_string(outputSize.width / scale),
+           "--height=" + std::to_string(outputSize.height / scale), "--scale=" + std::to_string(scale)});
 }
 
 Picture Weston::picture() const {

@@ -39,8 +39,8 @@ TEST_F(OnAMachineWithoutGpu, ADeviceThatIsMissingIsShownAndNotReported) {
     const Picture shown = errorScreen();
     endByHost();
     EXPECT_FALSE(home.holdsErrorReport());
-    EXPECT_EQ(shown, screenOf("303"));
-    EXPECT_NE(shown, screenOf("101"));
+    EXPECT_TRUE(shown == screenOf("303"));
+    EXPECT_FALSE(shown == screenOf("101"));
 }
 
 TEST_F(OnAMachineWithoutGpu, AShaderLibraryThatIsMissingIsShownAndNotReported) {
@@ -51,7 +51,7 @@ TEST_F(OnAMachineWithoutGpu, AShaderLibraryThatIsMissingIsShownAndNotReported) {
     const Picture shown = errorScreen();
     endByHost();
     EXPECT_FALSE(home.holdsErrorReport());
-    EXPECT_EQ(shown, screenOf("101"));
+    EXPECT_TRUE(shown == screenOf("101:1000"));
 }
 
 TEST_F(OnAMachineWithoutGpu, XScreenSaverSeesNoCrash) {

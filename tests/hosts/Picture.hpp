@@ -72,6 +72,10 @@ using TakePicture = std::function<Picture()>;
 
 /// Looks until clouds of that size are seen, and then until they have moved everywhere.
 testing::AssertionResult showsMovingClouds(const TakePicture& take, Size size);
+/// The size at which `becomesSharp` can judge clouds.
+inline constexpr Size judgedSize{800, 600};
+/// Looks until the picture is one of that size and no smaller one that was stretched to it.
+testing::AssertionResult becomesSharp(const TakePicture& take);
 /// Looks until pictures, two in succession and half a second apart, are the same.
 testing::AssertionResult standsStill(const TakePicture& take);
 

@@ -31,13 +31,13 @@ protected:
         EXPECT_FALSE(daemon.home().holdsErrorReport());
     }
 
-    XServer server{Size{800, 600}};
+    XServer server{judgedSize};
     XScreenSaver daemon;
 };
 
 TEST_F(UnderXScreenSaver, ShowsMovingCloudsUntilSomebodyComesBack) {
     daemon.activate();
-    EXPECT_TRUE(showsMovingCloudsOf({800, 600}));
+    EXPECT_TRUE(showsMovingCloudsOf(judgedSize));
     ASSERT_TRUE(saver());
     EXPECT_EQ(getpriority(PRIO_PROCESS, static_cast<id_t>(*saver())), 10) << "the daemon makes its savers nice";
     daemon.deactivate();
@@ -47,25 +47,25 @@ TEST_F(UnderXScreenSaver, ShowsMovingCloudsUntilSomebodyComesBack) {
 
 TEST_F(UnderXScreenSaver, AKeyOrAMovedPointerIsTheDaemonsToSee) {
     daemon.activate();
-    ASSERT_TRUE(showsMovingCloudsOf({800, 600}));
+    ASSERT_TRUE(showsMovingCloudsOf(judgedSize));
     server.display().typeKey('a');
     EXPECT_TRUE(fake::eventually([] { return runningSavers().empty(); }));
 }
 
 TEST_F(UnderXScreenSaver, RunsAgainAfterACycle) {
     daemon.activate();
-    ASSERT_TRUE(showsMovingCloudsOf({800, 600}));
+    ASSERT_TRUE(showsMovingCloudsOf(judgedSize));
     const auto first = saver();
     ASSERT_TRUE(first);
     daemon.cycle();
     ASSERT_TRUE(fake::eventually([&] { return saver() && saver() != first; })) << "no other process came";
-    EXPECT_TRUE(showsMovingCloudsOf({800, 600}));
+    EXPECT_TRUE(showsMovingCloudsOf(judgedSize));
 }
 
 TEST_F(UnderXScreenSaver, RunsAgainAndAgain) {
     for (int round = 0; round < 3; ++round) {
         daemon.activate();
-        ASSERT_TRUE(showsMovingCloudsOf({800, 600})) << round;
+        ASSERT_TRUE(showsMovingCloudsOf(judgedSize)) << round;
         daemon.deactivate();
         ASSERT_TRUE(fake::eventually([] { return runningSavers().empty(); })) << round;
     }
@@ -77,9 +77,10 @@ TEST_F(UnderXScreenSaver, FollowsTheMonitorIntoOtherModes) {
     ASSERT_TRUE(showsMovingCloudsOf({320, 240}));
     const auto first = saver();
     ASSERT_TRUE(first);
-    for (const Size size : {Size{800, 600}, Size{480, 360}, Size{800, 600}}) {
+    for (const Size size : {judgedSize, Size{480, 360}, judgedSize}) {
         server.setMode(size);
         EXPECT_TRUE(showsMovingCloudsOf(size));
+        EXPECT_TRUE(size != judgedSize || becomesSharp([this] { return server.picture(); }));
         EXPECT_EQ(saver(), first) << "it was not started anew";
     }
 }
