@@ -13,7 +13,6 @@ bool Dismissal::isAskedForBy(const QEvent& event, std::chrono::milliseconds now)
         case QEvent::Wheel:
         case QEvent::TouchBegin:
         case QEvent::TabletPress: return true;
-        case QEvent::Close: return event.spontaneous();  // the window manager's way of asking
         case QEvent::MouseMove: {
             const QPointF place = static_cast<const QMouseEvent&>(event).globalPosition();
             return _pointer.movedTo(place.x(), place.y(), now);

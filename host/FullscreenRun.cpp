@@ -35,6 +35,7 @@ public:
     CoveredScreens(const Showing& showing, Dismissal& dismissal) : _dismissal(dismissal), _windows(showing) {
         connect(qApp, &QGuiApplication::screenAdded, this, [this](QScreen* screen) { watch(screen); });
         connect(qApp, &QGuiApplication::screenRemoved, this, [this](QScreen* screen) { uncover(screen); });
+        connect(qApp, &QGuiApplication::lastWindowClosed, this, [this] { endUnlessThereIsNoScreen(); });
         for (QScreen* screen : QGuiApplication::screens()) {
             watch(screen);
         }
@@ -77,8 +78,16 @@ private:
         _dismissal.screensChanged();
         const auto found = _byScreen.find(screen);
         if (found != _byScreen.end()) {
-            _windows.remove(*found->second);
+            SaverWindow& window = *found->second;
             _byScreen.erase(found);
+            _windows.remove(window);
+        }
+    }
+
+    /// Window managers can close windows; but the last one also goes with the last screen.
+    void endUnlessThereIsNoScreen() {
+        if (!_byScreen.empty()) {
+            QApplication::exit(0);
         }
     }
 

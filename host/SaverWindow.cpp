@@ -12,6 +12,8 @@ SaverWindow::SaverWindow(const Showing& showing) : _showing(showing) {
     black.setColor(QPalette::Window, Qt::black);
     setPalette(black);
     setWindowTitle(QStringLiteral("Cirrane"));
+    _startSoon.setSingleShot(true);
+    connect(&_startSoon, &QTimer::timeout, this, [this] { startNow(); });
 }
 
 SaverWindow::~SaverWindow() {
@@ -74,16 +76,23 @@ void SaverWindow::showErrorCode(const ErrorCode& error) {
     }
 }
 
-/// An error is final, and so its view is left as it is.
+/// A start takes a while, so what else has happened comes first: other sizes, other screens, or that the window has to
+/// be hidden again.
 void SaverWindow::startOrStop() {
-    if (_view == nullptr || _view->shownError()) {
+    if (canBeSeen()) {
+        _startSoon.start();
         return;
     }
-    const bool shallDraw = _isShown && _isUncovered && !isMinimized();
-    if (shallDraw && !_view->isAnimating()) {
-        _view->startAnimation();
-    } else if (!shallDraw && _view->isAnimating()) {
+    _startSoon.stop();
+    if (_view != nullptr && _view->isAnimating()) {
         _view->stopAnimation();
+    }
+}
+
+/// An error is final, and so its view is left as it is.
+void SaverWindow::startNow() {
+    if (_view != nullptr && !_view->shownError() && !_view->isAnimating()) {
+        _view->startAnimation();
     }
 }
 

@@ -4,6 +4,7 @@
 #include "platform/SaverModule.hpp"
 #include "platform/ui/ScreenSaverView.hpp"
 
+#include <QtCore/QTimer>
 #include <QtWidgets/QWidget>
 #include <memory>
 #include <optional>
@@ -47,13 +48,16 @@ protected:
 private:
     void makeView();
     void showReason(const std::string& reason);
+    bool canBeSeen() const { return _isShown && _isUncovered && !isMinimized(); }
     void startOrStop();
+    void startNow();
 
     const Showing& _showing;
     std::unique_ptr<platform::ScreenSaverView> _view;
     QWidget* _reason = nullptr;
     bool _isShown = false;
     bool _isUncovered = true;
+    QTimer _startSoon;
 };
 
 }  // namespace host

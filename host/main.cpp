@@ -34,8 +34,9 @@ namespace {
 constexpr int exitFailure = 1;
 constexpr int exitUsage = 2;
 
-/// Who ends a saver may wait for it, and with it the person at the machine.
-constexpr std::chrono::milliseconds patienceWithTheEnd{80};
+/// Who ends a saver may wait for it, and with it the person at the machine. A tenth of a second is not noticed; some of
+/// it goes into taking a process down.
+constexpr std::chrono::milliseconds patienceWithTheEnd{60};
 
 int complain(std::string_view reason, int status) {
     std::fprintf(stderr, "cirrane: %.*s\n", static_cast<int>(reason.size()), reason.data());
