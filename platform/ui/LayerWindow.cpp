@@ -9,7 +9,7 @@
 
 namespace platform {
 
-std::unique_ptr<LayerWindow> makeLayerWindow(const QWidget& widget, LayerWindow::VisibilityHandler handler) {
+std::unique_ptr<LayerWindow> makeLayerWindow(QWidget& widget, LayerWindow::VisibilityHandler handler) {
     if (xcb_connection_t* connection = applicationX11Connection()) {
         return std::make_unique<X11LayerWindow>(connection, widget, std::move(handler));
     }

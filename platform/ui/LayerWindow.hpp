@@ -32,6 +32,6 @@ protected:
 
 /// Null where the window system is one that frames cannot be shown on, and while the widget's top-level window has no
 /// native window. The widget must outlive it.
-std::unique_ptr<LayerWindow> makeLayerWindow(const QWidget& widget, LayerWindow::VisibilityHandler handler);
+std::unique_ptr<LayerWindow> makeLayerWindow(QWidget& widget, LayerWindow::VisibilityHandler handler);
 
 }  // namespace platform

@@ -47,7 +47,7 @@ private:
     wl_surface* _surface;
 };
 
-std::unique_ptr<LayerWindow> WaylandLayerWindow::create(const QWidget& widget, VisibilityHandler handler) {
+std::unique_ptr<LayerWindow> WaylandLayerWindow::create(QWidget& widget, VisibilityHandler handler) {
     const WaylandConnection* const connection = WaylandConnection::ofApplication();
     QWindow* const window = widget.window()->windowHandle();
     if (connection == nullptr || window == nullptr || window->handle() == nullptr) {
@@ -60,14 +60,19 @@ std::unique_ptr<LayerWindow> WaylandLayerWindow::create(const QWidget& widget, V
     return std::unique_ptr<LayerWindow>(new WaylandLayerWindow(*connection, parent, widget, std::move(handler)));
 }
 
-WaylandLayerWindow::WaylandLayerWindow(const WaylandConnection& connection, void* parent, const QWidget& widget,
+WaylandLayerWindow::WaylandLayerWindow(const WaylandConnection& connection, void* parent, QWidget& widget,
                                        VisibilityHandler handler)
     : _widget(widget),
       _surface(std::make_shared<Surface>(connection)),
       _subsurface(wl_subcompositor_get_subsurface(connection.subcompositor(), _surface->handle(),
                                                   static_cast<wl_surface*>(parent))),
       _viewport(wp_viewporter_get_viewport(connection.viewporter(), _surface->handle())),
-      _visibility(_surface, std::move(handler)) {
+      _visibility(_surface, [this, tell = std::move(handler)](bool isVisible) {
+          if (!isVisible) {
+              commitPlace();  // in case that this is all it lacks
+          }
+          tell(isVisible);
+      }) {
     wl_subsurface_set_desync(_subsurface);
     follow();
 }
@@ -88,8 +93,12 @@ void WaylandLayerWindow::follow() {
     wp_viewport_set_destination(_viewport, wanted.rect.width(), wanted.rect.height());
     _surface->setSize(
         {static_cast<std::size_t>(wanted.pixels.width()), static_cast<std::size_t>(wanted.pixels.height())});
-    // The position is the top-level window's to commit, which it does when it has painted.
-    _widget.window()->update();
+    commitPlace();
+}
+
+/// The place is the top-level window's to commit, which it does when it has painted something.
+void WaylandLayerWindow::commitPlace() {
+    _widget.update();  // not the top-level widget, which may be covered by this one and then has nothing to paint
 }
 
 WaylandLayerWindow::Place WaylandLayerWindow::wantedPlace() const {

@@ -18,7 +18,7 @@ class WaylandConnection;
 /// picture of a former size or scale does no harm.
 class WaylandLayerWindow final : public LayerWindow {
 public:
-    static std::unique_ptr<LayerWindow> create(const QWidget& widget, VisibilityHandler handler);
+    static std::unique_ptr<LayerWindow> create(QWidget& widget, VisibilityHandler handler);
     ~WaylandLayerWindow() override;
 
     void follow() override;
@@ -33,11 +33,12 @@ private:
         bool operator==(const Place&) const = default;
     };
 
-    WaylandLayerWindow(const WaylandConnection& connection, void* parent, const QWidget& widget,
+    WaylandLayerWindow(const WaylandConnection& connection, void* parent, QWidget& widget,
                        VisibilityHandler handler);
     Place wantedPlace() const;
+    void commitPlace();
 
-    const QWidget& _widget;
+    QWidget& _widget;
     std::shared_ptr<Surface> _surface;
     wl_subsurface* _subsurface;
     wp_viewport* _viewport;
