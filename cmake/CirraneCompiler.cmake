@@ -8,7 +8,7 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 include_directories("${PROJECT_SOURCE_DIR}")
 add_compile_definitions(QT_NO_KEYWORDS)  # "signals" and "slots" are words of ours too
 add_compile_options(-fno-semantic-interposition)  # nobody replaces functions of the shared libraries; let them be inlined
-add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual)
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow "$<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor;-Woverloaded-virtual>")
 if(CIRRANE_WARNINGS_AS_ERRORS)
     add_compile_options(-Werror)
 endif()

@@ -9,7 +9,7 @@
 #include "platform/Paths.hpp"
 #include "platform/PreferencesStore.hpp"
 #include "platform/gpu/vulkan/VulkanBackend.hpp"
-#include "platform/ui/LayerWidget.hpp"
+#include "platform/ui/ApplicationDisplay.hpp"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -163,8 +163,7 @@ int runInWindows(const host::CommandLine& line, const host::TerminationSignals& 
         return complain(*reason, exitFailure);
     }
     auto options = vulkanOptions(line);
-    const platform::X11Server server = platform::applicationX11Server();
-    options.presentation = gpu::vulkan::XcbServer{server.connection, server.visual};
+    options.presentation = platform::applicationPresentationServer();
     gpu::setBackend(gpu::vulkan::makeVulkanBackend(std::move(options)));
     if (line.testError) {
         platform::setPreferencesStore(platform::makeMemoryPreferencesStore());

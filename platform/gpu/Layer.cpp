@@ -81,6 +81,13 @@ void Layer::setPresentationTarget(PresentationTarget target) {
     changePresentationTarget(std::move(target));
 }
 
+void Layer::setOverlay(std::shared_ptr<const Overlay> overlay) {
+    constexpr std::size_t bytesPerPixel = 4;
+    const bool isPicture = overlay != nullptr && !overlay->pixels.empty() &&
+                           overlay->pixels.size() == overlay->size.width * overlay->size.height * bytesPerPixel;
+    changeOverlay(isPicture ? std::move(overlay) : nullptr);
+}
+
 void Layer::setFrameObserver(std::shared_ptr<FrameObserver> observer) {
     const std::lock_guard lock(_observerMutex);
     _observer.swap(observer);

@@ -2,6 +2,7 @@
 
 #include "platform/gpu/Resources.hpp"
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -55,11 +56,62 @@ struct XcbWindow {
     std::uint32_t window = 0;
 };
 
-/// Where finished frames are shown; `std::monostate` shows them nowhere.
+/// A Wayland surface to show frames in, and what its owner and the presenter tell one another about it, as the window
+/// system tells neither. Any thread. Held by both: it ends the surface when the last of them lets go, because a
+/// presenter that hangs is left behind with it.
+class WaylandSurface {
+public:
+    WaylandSurface(const WaylandSurface&) = delete;
+    WaylandSurface& operator=(const WaylandSurface&) = delete;
+    virtual ~WaylandSurface() = default;
+
+    /// A `wl_display*`, which outlives every use of it.
+    virtual void* display() const = 0;
+    /// A `wl_surface*`.
+    virtual void* surface() const = 0;
+
+    /// In pixels; what pictures are stretched to.
+    Extent size() const { return {_size.load() >> sizeBits, _size.load() & lowerSize}; }
+    void setSize(Extent size) { _size.store(std::uint64_t{size.width} << sizeBits | (size.height & lowerSize)); }
+
+    /// Counts the frames that were handed to the surface.
+    std::uint64_t framesShown() const { return _framesShown; }
+    void countShownFrame() { ++_framesShown; }
+
+protected:
+    WaylandSurface() = default;
+
+private:
+    static constexpr int sizeBits = 32;
+    static constexpr std::uint64_t lowerSize = 0xFFFFFFFF;
+
+    std::atomic<std::uint64_t> _size{0};
+    std::atomic<std::uint64_t> _framesShown{0};
+};
+
+struct WaylandWindow {
+    std::shared_ptr<WaylandSurface> surface;
+};
+
+/// What frames are shown in; `std::monostate` is nothing.
+using PresentationWindow = std::variant<std::monostate, XcbWindow, WaylandWindow>;
+
+/// Where finished frames are shown.
 struct PresentationTarget {
-    std::variant<std::monostate, XcbWindow> window;
+    PresentationWindow window;
     /// Called on the presenter thread just before the first frame is shown, to map the window. May be empty.
     std::function<void()> willPresentFirstFrame;
+};
+
+/// A picture that lies over the frames of a layer in its window, and in no drawable. Immutable once handed over.
+struct Overlay {
+    /// Its top left in pixels of the window, from the window's top left. May lie outside.
+    int x = 0;
+    int y = 0;
+    Extent size;
+    /// size.width * size.height * 4 bytes, row 0 first: blue, green, red, alpha, the colours multiplied by alpha.
+    std::vector<std::byte> pixels;
+    bool operator==(const Overlay&) const = default;
 };
 
 /// A drawing surface: a small ring of images that frames are drawn into, and the window that shows them.
@@ -90,6 +142,10 @@ public:
     /// caller may destroy it. Letting go of the layer is no substitute: a frame in flight may hold it a while longer.
     void setPresentationTarget(PresentationTarget target);
 
+    /// Lies over every frame that is shown from now on, at its own size however frames are stretched; null for nothing.
+    /// One whose pixels do not fill its size counts as null. The frame that is on show keeps what it was shown with.
+    void setOverlay(std::shared_ptr<const Overlay> overlay);
+
     /// Null takes the observer away; once this returns no call of the former one is running.
     void setFrameObserver(std::shared_ptr<FrameObserver> observer);
 
@@ -117,6 +173,7 @@ private:
     virtual std::shared_ptr<Drawable> makeDrawable(const Configuration& configuration) = 0;
     virtual void presentFinished(std::shared_ptr<Drawable> drawable) = 0;
     virtual void changePresentationTarget(PresentationTarget target) = 0;
+    virtual void changeOverlay(std::shared_ptr<const Overlay> overlay) = 0;
     virtual std::vector<std::byte> copyPixels(const Drawable& drawable) = 0;
 
     mutable std::mutex _mutex;

@@ -2,23 +2,14 @@
 
 #include "platform/gpu/Layer.hpp"
 
-#include <xcb/xcb.h>
-
 #include <QtGui/QGuiApplication>
 #include <QtGui/QScreen>
+#include <QtGui/QWindow>
 #include <cmath>
 #include <utility>
 
 namespace platform {
 namespace {
-
-xcb_connection_t* applicationConnection() {
-    if (QGuiApplication::platformName() != QLatin1String("xcb")) {
-        return nullptr;
-    }
-    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return x11 != nullptr ? x11->connection() : nullptr;
-}
 
 int rounded(double value) {
     return static_cast<int>(std::lround(value));
@@ -31,14 +22,6 @@ double plausibleRefreshRate(double reported) {
 }
 
 }  // namespace
-
-X11Server applicationX11Server() {
-    xcb_connection_t* connection = applicationConnection();
-    if (connection == nullptr) {
-        return {};
-    }
-    return {connection, xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root_visual};
-}
 
 /// The widget as renderers see it; outlives the widget where somebody still holds it, and is then empty.
 class LayerWidget::View final : public HostView {
@@ -91,7 +74,7 @@ private:
     LayerWidget* _widget;
 };
 
-LayerWidget::LayerWidget(QWidget* parent) : QWidget(parent), _view(std::make_shared<View>(this)) {
+LayerWidget::LayerWidget(QWidget* parent) : QWidget(parent), _view(std::make_shared<View>(this)), _overlays([this] { updateOverlays(); }) {
     setAttribute(Qt::WA_OpaquePaintEvent, false);
     QPalette black = palette();
     black.setColor(QPalette::Window, Qt::black);
@@ -120,6 +103,22 @@ void LayerWidget::setLayer(std::shared_ptr<gpu::Layer> layer) {
     }
 }
 
+void LayerWidget::addOverlay(QWidget* child) {
+    _overlays.add(child);
+    updateOverlays();
+}
+
+void LayerWidget::removeOverlay(QWidget* child) {
+    _overlays.remove(child);
+    updateOverlays();
+}
+
+void LayerWidget::updateOverlays() {
+    if (_layer != nullptr && isVisible()) {
+        _layer->setOverlay(_overlays.picture(*this));
+    }
+}
+
 void LayerWidget::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     showLayer();
@@ -132,30 +131,51 @@ void LayerWidget::hideEvent(QHideEvent* event) {
 
 void LayerWidget::moveEvent(QMoveEvent* event) {
     QWidget::moveEvent(event);
-    placeLayer();
+    windowChanged();
 }
 
 void LayerWidget::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
-    placeLayer();
+    windowChanged();
+    updateOverlays();
     _settling.start();
 }
 
-PixelRect LayerWidget::placeInWindow() const {
-    const double scale = devicePixelRatioF();
-    const QPoint corner = mapTo(window(), QPoint(0, 0));
-    return {rounded(corner.x() * scale), rounded(corner.y() * scale), rounded(width() * scale),
-            rounded(height() * scale)};
+/// Of the native top-level window: what the widget itself is not told of, such as a frame or a scale that comes late.
+bool LayerWidget::eventFilter(QObject* watched, QEvent* event) {
+    if (isVisible() && (event->type() == QEvent::Expose || event->type() == QEvent::Resize)) {
+        QMetaObject::invokeMethod(this, [this] { windowChanged(); }, Qt::QueuedConnection);
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+/// Also finishes what could not be shown before because there was no native window yet.
+void LayerWidget::windowChanged() {
+    if (!isVisible()) {
+        return;
+    }
+    if (_layerWindow == nullptr) {
+        showLayer();
+    } else {
+        _layerWindow->follow();
+    }
+    if (std::exchange(_shownScale, devicePixelRatioF()) != devicePixelRatioF()) {
+        updateOverlays();
+        _settling.start();
+    }
 }
 
 void LayerWidget::showLayer() {
-    xcb_connection_t* connection = applicationConnection();
-    if (_layer == nullptr || _layerWindow != nullptr || connection == nullptr) {
+    if (_layer == nullptr || _layerWindow != nullptr) {
         return;
     }
-    const auto parent = static_cast<std::uint32_t>(window()->winId());
-    _layerWindow = std::make_unique<X11LayerWindow>(connection, parent, placeInWindow());
-    _layer->setPresentationTarget(_layerWindow->presentationTarget());
+    window()->winId();  // makes the native window
+    window()->windowHandle()->installEventFilter(this);
+    _layerWindow = makeLayerWindow(*this, [this](bool isSeen) { tellVisibility(isSeen); });
+    if (_layerWindow != nullptr) {
+        _layer->setPresentationTarget(_layerWindow->presentationTarget());
+    }
+    updateOverlays();
 }
 
 void LayerWidget::hideLayer() {
@@ -163,12 +183,19 @@ void LayerWidget::hideLayer() {
         _layer->setPresentationTarget({});
     }
     _layerWindow.reset();
+    tellVisibility(true);  // the next window counts as visible until it is known not to be
 }
 
-void LayerWidget::placeLayer() {
-    if (_layerWindow != nullptr) {
-        _layerWindow->setPlace(placeInWindow());
+void LayerWidget::tellVisibility(bool isVisible) {
+    if (std::exchange(_isSurfaceVisible, isVisible) == isVisible) {
+        return;
     }
+    const auto tell = [this, isVisible] {
+        if (_visibility) {
+            _visibility(isVisible);
+        }
+    };
+    QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
 }
 
 }  // namespace platform

@@ -1,7 +1,8 @@
 #pragma once
 
 #include "platform/HostView.hpp"
-#include "platform/ui/X11LayerWindow.hpp"
+#include "platform/ui/LayerOverlays.hpp"
+#include "platform/ui/LayerWindow.hpp"
 
 #include <QtCore/QTimer>
 #include <QtWidgets/QWidget>
@@ -36,9 +37,11 @@ public:
     /// cover them or the monitor is off, or that they can be seen again.
     void setSurfaceVisibilityHandler(std::function<void(bool isVisible)> handler) { _visibility = std::move(handler); }
 
-    void addOverlay(QWidget*) {}
-    void removeOverlay(QWidget*) {}
-    void updateOverlays() {}
+    /// This child, to any depth, stays visible above the frames, at the cost of being painted into a picture whenever
+    /// `updateOverlays` is called. Call that when it has changed in looks, place or visibility. It may be destroyed.
+    void addOverlay(QWidget* child);
+    void removeOverlay(QWidget* child);
+    void updateOverlays();
 
 protected:
     /// The widget has been resized, also by being shown first, and has then stood still for a while. Meanwhile the
@@ -49,28 +52,25 @@ protected:
     void hideEvent(QHideEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     class View;
 
-    PixelRect placeInWindow() const;
     void showLayer();
     void hideLayer();
-    void placeLayer();
+    void windowChanged();
+    void tellVisibility(bool isVisible);
 
     std::shared_ptr<View> _view;
     std::shared_ptr<HostView> _standIn;
     std::shared_ptr<gpu::Layer> _layer;
-    std::unique_ptr<X11LayerWindow> _layerWindow;
+    std::unique_ptr<LayerWindow> _layerWindow;
+    LayerOverlays _overlays;
+    double _shownScale = 0.0;
     std::function<void(bool)> _visibility;
+    bool _isSurfaceVisible = true;
     QTimer _settling;
 };
-
-/// What a Vulkan device must be able to present to in this application: null without an X11 connection.
-struct X11Server {
-    void* connection = nullptr;
-    std::uint32_t visual = 0;
-};
-X11Server applicationX11Server();
 
 }  // namespace platform

@@ -1,37 +1,33 @@
 #pragma once
 
-#include "platform/gpu/Layer.hpp"
+#include "platform/ui/LayerWindow.hpp"
+#include "platform/ui/X11Visibility.hpp"
 
+#include <QtCore/QRect>
 #include <cstdint>
+
+struct xcb_connection_t;
 
 namespace platform {
 
-/// A place inside a window, in device pixels with the origin at the top left.
-struct PixelRect {
-    int x = 0;
-    int y = 0;
-    int width = 1;
-    int height = 1;
-    bool operator==(const PixelRect&) const = default;
-};
-
-/// The X11 window that a layer's frames are shown in: a child of a top-level window that asks for no events, so that
-/// all input reaches the parent. It is mapped when the first frame is there. Main thread; the connection (an
-/// `xcb_connection_t*`) must outlive it, and no layer may present to it any more when it is destroyed.
-class X11LayerWindow {
+/// On X11: a child of the top-level window that asks for no input, so that all of it reaches the parent. It is mapped
+/// when the first frame is there. The connection must outlive it.
+class X11LayerWindow final : public LayerWindow {
 public:
-    X11LayerWindow(void* connection, std::uint32_t parent, const PixelRect& place);
-    ~X11LayerWindow();
-    X11LayerWindow(const X11LayerWindow&) = delete;
-    X11LayerWindow& operator=(const X11LayerWindow&) = delete;
+    X11LayerWindow(xcb_connection_t* connection, const QWidget& widget, VisibilityHandler handler);
+    ~X11LayerWindow() override;
 
-    void setPlace(const PixelRect& place);
-    gpu::PresentationTarget presentationTarget() const;
+    void follow() override;
+    gpu::PresentationTarget presentationTarget() const override;
 
 private:
-    void* _connection;
+    QRect wantedPlace() const;
+
+    xcb_connection_t* _connection;
+    const QWidget& _widget;
     std::uint32_t _window;
-    PixelRect _place;
+    QRect _place;  ///< in the top-level window's pixels
+    X11Visibility _visibility;
 };
 
 }  // namespace platform

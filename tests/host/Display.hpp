@@ -35,6 +35,8 @@ public:
     Display(const Display&) = delete;
     Display& operator=(const Display&) = delete;
 
+    xcb_window_t root() const { return _root; }
+
     /// The mapped top-level window of that title.
     std::optional<xcb_window_t> findWindow(const std::string& title) const {
         const Reply<xcb_query_tree_reply_t> tree(
@@ -104,6 +106,12 @@ public:
         fakeInput(XCB_KEY_RELEASE, keycodeOf(keysym));
     }
 
+    bool hasWindowManager() const {
+        const Reply<xcb_get_property_reply_t> owner(xcb_get_property_reply(
+            _connection,
+            xcb_get_property(_connection, 0, _root, atom("_NET_SUPPORTING_WM_CHECK"), XCB_ATOM_WINDOW, 0, 1), nullptr));
+        return owner != nullptr && xcb_get_property_value_length(owner.get()) > 0;
+    }
     void focus(xcb_window_t window) const {
         xcb_set_input_focus(_connection, XCB_INPUT_FOCUS_POINTER_ROOT, window, XCB_CURRENT_TIME);
         settle();
@@ -133,6 +141,18 @@ public:
             xcb_get_geometry_reply(_connection, xcb_get_geometry(_connection, window), nullptr));
         return geometry != nullptr ? std::pair(geometry->width, geometry->height)
                                    : std::pair<std::uint16_t, std::uint16_t>{};
+    }
+    /// Where on the screen its top left corner is.
+    std::pair<int, int> placeOf(xcb_window_t window) const {
+        const Reply<xcb_translate_coordinates_reply_t> corner(xcb_translate_coordinates_reply(
+            _connection, xcb_translate_coordinates(_connection, window, _root, 0, 0), nullptr));
+        return corner != nullptr ? std::pair<int, int>(corner->dst_x, corner->dst_y) : std::pair<int, int>();
+    }
+    /// Whether events of these kinds are still to be had.
+    bool canSelect(xcb_window_t window, std::uint32_t events) const {
+        const Reply<xcb_generic_error_t> error(xcb_request_check(
+            _connection, xcb_change_window_attributes_checked(_connection, window, XCB_CW_EVENT_MASK, &events)));
+        return error == nullptr;
     }
     void settle() const {
         Reply<xcb_get_input_focus_reply_t>(

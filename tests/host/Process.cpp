@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <utility>
 
 extern char** environ;  // NOLINT
 
@@ -85,8 +86,7 @@ Process::~Process() {
         kill(_pid, SIGKILL);
         waitpid(_pid, nullptr, 0);
     }
-    close(_outputPipe);
-    close(_errorPipe);
+    closeOutput();
 }
 
 void Process::sendSignal(int signal) const {
@@ -99,6 +99,19 @@ bool Process::isRunning() {
         _status = status;
     }
     return !_status;
+}
+
+const std::string& Process::standardOutput() {
+    readOutput();
+    return _end.standardOutput;
+}
+
+void Process::closeOutput() {
+    for (int* pipe : {&_outputPipe, &_errorPipe}) {
+        if (*pipe >= 0) {
+            close(std::exchange(*pipe, -1));
+        }
+    }
 }
 
 void Process::readOutput() {

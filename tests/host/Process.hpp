@@ -28,6 +28,10 @@ public:
 
     void sendSignal(int signal) const;
     bool isRunning();
+    /// What it has written so far.
+    const std::string& standardOutput();
+    /// From here on nobody reads what it writes.
+    void closeOutput();
     /// Waits for the end; nothing when the deadline passes first.
     std::optional<ProcessEnd> waitForEnd(std::chrono::milliseconds deadline = std::chrono::seconds(60));
 

@@ -3,6 +3,7 @@
 #include "platform/SystemLog.hpp"
 #include "platform/gpu/Layer.hpp"
 #include "platform/gpu/vulkan/VulkanBackend.hpp"
+#include "platform/ui/ApplicationDisplay.hpp"
 #include "platform/ui/LayerWidget.hpp"
 #include "saver/QZLCirraneView.hpp"
 #include "tests/platform/gpu/vulkan/FaultyVulkan.hpp"
@@ -114,8 +115,7 @@ protected:
         platform::setPreferencesStore(platform::makeMemoryPreferencesStore());
         platform::setSystemLogSink([](std::string_view) {});
         gpu::vulkan::VulkanOptions options;
-        const platform::X11Server server = platform::applicationX11Server();
-        options.presentation = gpu::vulkan::XcbServer{server.connection, server.visual};
+        options.presentation = platform::applicationPresentationServer();
         options.validate = GetParam() == Validation::On;
         options.validationMessage = [this](std::string_view message) {
             const std::lock_guard lock(_mutex);

@@ -6,6 +6,8 @@
 #include <array>
 #include <memory>
 #include <mutex>
+#include <utility>
+#include <vector>
 
 namespace fake {
 
@@ -16,6 +18,8 @@ public:
     explicit Layer(std::shared_ptr<Gpu::State> state) : _state(std::move(state)) {}
 
     std::shared_ptr<gpu::Drawable> lastPresented() const;
+    /// Those in force one after the other, null ones too.
+    const std::vector<std::shared_ptr<const gpu::Overlay>>& overlays() const { return _overlays; }
 
 private:
     struct Image {
@@ -26,6 +30,7 @@ private:
     std::shared_ptr<gpu::Drawable> makeDrawable(const Configuration& configuration) override;
     void presentFinished(std::shared_ptr<gpu::Drawable> drawable) override;
     void changePresentationTarget(gpu::PresentationTarget) override {}
+    void changeOverlay(std::shared_ptr<const gpu::Overlay> overlay) override { _overlays.push_back(std::move(overlay)); }
     std::vector<std::byte> copyPixels(const gpu::Drawable& drawable) override;
 
     Image* freeImage();
@@ -36,6 +41,7 @@ private:
     std::uint64_t _nextIdentifier = 0;
     mutable std::mutex _presentedMutex;
     std::shared_ptr<gpu::Drawable> _presented;
+    std::vector<std::shared_ptr<const gpu::Overlay>> _overlays;
 };
 
 }  // namespace fake

@@ -18,11 +18,19 @@ struct XcbServer {
     std::uint32_t visual = 0;
 };
 
+/// A Wayland compositor that devices must be able to present to: a `wl_display*`.
+struct WaylandServer {
+    void* display = nullptr;
+};
+
+/// What devices must be able to present to; `std::monostate` asks for nothing, a null pointer for what none can do.
+using PresentationServer = std::variant<std::monostate, XcbServer, WaylandServer>;
+
 struct VulkanOptions {
     /// Part of a device's name (case ignored) or its index in `listDevices`; empty chooses the best one.
     std::string device;
-    /// Devices that cannot present there are passed over; `std::monostate` asks for none.
-    std::variant<std::monostate, XcbServer> presentation;
+    /// Devices that cannot present there are passed over.
+    PresentationServer presentation;
     /// Loads the Khronos validation layer and hands its messages to `validationMessage`, or to the system log.
     bool validate = false;
     std::function<void(std::string_view)> validationMessage;

@@ -58,16 +58,25 @@ bool offersSwapchain(const vk::raii::PhysicalDevice& device) {
     });
 }
 
-bool canPresent(const DeviceCandidate& candidate, const VulkanOptions& options) {
-    const auto* server = std::get_if<XcbServer>(&options.presentation);
-    if (server == nullptr) {
-        return true;
+/// Whether a device can present to a server, by kind of server.
+struct CanPresent {
+    const DeviceCandidate& candidate;
+
+    bool operator()(std::monostate) const { return true; }
+    bool operator()(const XcbServer& server) const {
+        return candidate.hasSwapchain && server.connection != nullptr &&
+               candidate.device.getDispatcher()->vkGetPhysicalDeviceXcbPresentationSupportKHR != nullptr &&
+               candidate.device.getXcbPresentationSupportKHR(candidate.queueFamily,
+                                                             *static_cast<xcb_connection_t*>(server.connection),
+                                                             server.visual) == VK_TRUE;
     }
-    return candidate.hasSwapchain && server->connection != nullptr &&
-           candidate.device.getDispatcher()->vkGetPhysicalDeviceXcbPresentationSupportKHR != nullptr &&
-           candidate.device.getXcbPresentationSupportKHR(
-               candidate.queueFamily, *static_cast<xcb_connection_t*>(server->connection), server->visual) == VK_TRUE;
-}
+    bool operator()(const WaylandServer& server) const {
+        return candidate.hasSwapchain && server.display != nullptr &&
+               candidate.device.getDispatcher()->vkGetPhysicalDeviceWaylandPresentationSupportKHR != nullptr &&
+               candidate.device.getWaylandPresentationSupportKHR(
+                   candidate.queueFamily, *static_cast<wl_display*>(server.display)) == VK_TRUE;
+    }
+};
 
 std::string lowerCase(std::string_view text) {
     std::string lower(text);
@@ -127,7 +136,7 @@ std::vector<DeviceCandidate> findDevices(const VulkanInstance& instance) {
         if (queueFamily.has_value() && properties.apiVersion >= VK_API_VERSION_1_1) {
             const bool hasAllFeatures =
                 properties.apiVersion >= VK_API_VERSION_1_3 && offersFeatures(device) && offersFormats(device);
-            const bool hasSwapchain = instance.hasXcbSurfaces() && offersSwapchain(device);
+            const bool hasSwapchain = (instance.hasXcbSurfaces() || instance.hasWaylandSurfaces()) && offersSwapchain(device);
             candidates.push_back({std::move(device), properties, *queueFamily, hasAllFeatures, hasSwapchain});
         }
     }
@@ -139,7 +148,7 @@ std::optional<DeviceCandidate> chooseDevice(std::vector<DeviceCandidate> candida
     for (std::size_t i = 0; i < candidates.size(); ++i) {
         DeviceCandidate& candidate = candidates[i];
         const bool wanted = options.device.empty() || isNamed(candidate, i, options.device);
-        if (wanted && canPresent(candidate, options) && (best == nullptr || isWorse(*best, candidate))) {
+        if (wanted && std::visit(CanPresent{candidate}, options.presentation) && (best == nullptr || isWorse(*best, candidate))) {
             best = &candidate;
         }
     }

@@ -59,16 +59,22 @@ struct VulkanInstance::Extensions {
     std::vector<const char*> layers;
     std::vector<const char*> names;
     bool xcbSurfaces = false;
+    bool waylandSurfaces = false;
     bool debugNames = false;
     bool validationFeatures = false;
 };
 
 VulkanInstance::Extensions::Extensions(bool validating) {
     const auto offered = loader()->enumerateInstanceExtensionProperties();
-    xcbSurfaces =
-        contains(offered, VK_KHR_SURFACE_EXTENSION_NAME) && contains(offered, VK_KHR_XCB_SURFACE_EXTENSION_NAME);
-    if (xcbSurfaces) {
-        names.insert(names.end(), {VK_KHR_SURFACE_EXTENSION_NAME, VK_KHR_XCB_SURFACE_EXTENSION_NAME});
+    if (contains(offered, VK_KHR_SURFACE_EXTENSION_NAME)) {
+        names.push_back(VK_KHR_SURFACE_EXTENSION_NAME);
+        const auto takeIfOffered = [&](const char* name) {
+            const bool isOffered = contains(offered, name);
+            names.insert(names.end(), isOffered ? 1 : 0, name);
+            return isOffered;
+        };
+        xcbSurfaces = takeIfOffered(VK_KHR_XCB_SURFACE_EXTENSION_NAME);
+        waylandSurfaces = takeIfOffered(VK_KHR_WAYLAND_SURFACE_EXTENSION_NAME);
     }
     debugNames = contains(offered, VK_EXT_DEBUG_UTILS_EXTENSION_NAME);
     if (validating) {
@@ -100,6 +106,7 @@ std::shared_ptr<const VulkanInstance> VulkanInstance::open(const VulkanOptions& 
 VulkanInstance::VulkanInstance(const Extensions& extensions, const VulkanOptions& options)
     : _validationMessage(options.validationMessage),
       _hasXcbSurfaces(extensions.xcbSurfaces),
+      _hasWaylandSurfaces(extensions.waylandSurfaces),
       _hasDebugNames(extensions.debugNames),
       _instance(nullptr) {
     const vk::ApplicationInfo application{.pApplicationName = "cirrane", .apiVersion = VK_API_VERSION_1_3};

@@ -31,6 +31,8 @@ public:
     const vk::raii::Instance& handle() const { return _instance; }
     /// True when windows of an X server can be presented to.
     bool hasXcbSurfaces() const { return _hasXcbSurfaces; }
+    /// True when surfaces of a Wayland compositor can be presented to.
+    bool hasWaylandSurfaces() const { return _hasWaylandSurfaces; }
     /// True when objects and commands can be given names for debuggers.
     bool hasDebugNames() const { return _hasDebugNames; }
 
@@ -46,6 +48,7 @@ private:
 
     std::function<void(std::string_view)> _validationMessage;
     bool _hasXcbSurfaces;
+    bool _hasWaylandSurfaces;
     bool _hasDebugNames;
     vk::raii::Instance _instance;
     vk::raii::DebugUtilsMessengerEXT _messenger = nullptr;

@@ -93,6 +93,17 @@ void VulkanLayer::changePresentationTarget(PresentationTarget target) {
     presenter = VulkanPresenter::start(std::move(target));
     const std::lock_guard lock(_presenterMutex);
     presenter.swap(_presenter);
+    if (_presenter != nullptr) {
+        _presenter->setOverlay(_overlay);
+    }
+}
+
+void VulkanLayer::changeOverlay(std::shared_ptr<const Overlay> overlay) {
+    const std::lock_guard lock(_presenterMutex);
+    if (_presenter != nullptr) {
+        _presenter->setOverlay(overlay);
+    }
+    _overlay.swap(overlay);
 }
 
 std::vector<std::byte> VulkanLayer::copyPixels(const Drawable& drawable) {

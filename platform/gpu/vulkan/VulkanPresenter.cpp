@@ -1,6 +1,7 @@
 #include "platform/gpu/vulkan/VulkanPresenter.hpp"
 
 #include "platform/SystemLog.hpp"
+#include "platform/gpu/vulkan/VulkanSurface.hpp"
 #include "platform/gpu/vulkan/VulkanSwapchain.hpp"
 #include "platform/gpu/vulkan/VulkanTexture.hpp"
 
@@ -17,17 +18,17 @@ namespace gpu::vulkan {
 /// What the thread works on. It holds this itself, so that it can be left behind.
 struct VulkanPresenter::Work {
     explicit Work(PresentationTarget presentationTarget)
-        : target(std::move(presentationTarget)), window(std::get<XcbWindow>(target.window)) {}
+        : target(std::move(presentationTarget)) {}
 
     void run() noexcept;
     std::shared_ptr<Drawable> waitForFrame();
     ShowResult show(const Drawable& drawable);
     ShowResult showInWindow(const VulkanTexture& picture);
+    std::shared_ptr<const Overlay> currentOverlay();
     void prepareWindow();
 
     // The thread's own.
     PresentationTarget target;
-    XcbWindow window;
     std::unique_ptr<VulkanSwapchain> swapchain;
     std::vector<std::shared_ptr<Device>> devices;  ///< all it met: none shall die on this thread
 
@@ -35,6 +36,7 @@ struct VulkanPresenter::Work {
     std::mutex mutex;
     std::condition_variable changed;
     std::shared_ptr<Drawable> waiting;
+    std::shared_ptr<const Overlay> overlay;
     bool open = true;  ///< takes frames
     bool ended = false;
 };
@@ -83,12 +85,17 @@ ShowResult VulkanPresenter::Work::showInWindow(const VulkanTexture& picture) {
             if (std::ranges::find(devices, picture.device()) == devices.end()) {
                 devices.push_back(picture.device());
             }
-            swapchain = std::make_unique<VulkanSwapchain>(device.self(), window);
+            swapchain = std::make_unique<VulkanSwapchain>(device.self(), target.window);
         }
-        return swapchain->show(picture, [this] { prepareWindow(); });
+        return swapchain->show(picture, currentOverlay(), [this] { prepareWindow(); });
     } catch (const vk::SurfaceLostKHRError&) {
         return ShowResult::WindowGone;
     }
+}
+
+std::shared_ptr<const Overlay> VulkanPresenter::Work::currentOverlay() {
+    const std::lock_guard lock(mutex);
+    return overlay;
 }
 
 void VulkanPresenter::Work::prepareWindow() {
@@ -98,8 +105,7 @@ void VulkanPresenter::Work::prepareWindow() {
 }
 
 std::unique_ptr<VulkanPresenter> VulkanPresenter::start(PresentationTarget target) noexcept {
-    const auto* window = std::get_if<XcbWindow>(&target.window);
-    if (window == nullptr || window->connection == nullptr || window->window == 0) {
+    if (!isWindow(target.window)) {
         return nullptr;
     }
     try {
@@ -141,6 +147,11 @@ void VulkanPresenter::show(std::shared_ptr<Drawable> drawable) {
         _work->waiting.swap(drawable);
         _work->changed.notify_all();
     }
+}
+
+void VulkanPresenter::setOverlay(std::shared_ptr<const Overlay> overlay) {
+    const std::lock_guard lock(_work->mutex);
+    _work->overlay.swap(overlay);
 }
 
 bool VulkanPresenter::dropWaitingFrame() {

@@ -26,6 +26,9 @@ public:
 
     void show(std::shared_ptr<Drawable> drawable);
 
+    /// Lies over the frames shown from now on; null for nothing. Any thread.
+    void setOverlay(std::shared_ptr<const Overlay> overlay);
+
     /// Gives up the frame that waits if nobody but the presenter holds it. False when there is none such.
     bool dropWaitingFrame();
 

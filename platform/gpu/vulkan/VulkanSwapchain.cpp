@@ -1,8 +1,9 @@
 #include "platform/gpu/vulkan/VulkanSwapchain.hpp"
 
+#include "platform/gpu/vulkan/VulkanSurface.hpp"
+
 #include <algorithm>
 #include <array>
-#include <limits>
 #include <utility>
 
 namespace gpu::vulkan {
@@ -10,23 +11,6 @@ namespace {
 
 constexpr ImageUse shownInWindow{
     .layout = vk::ImageLayout::ePresentSrcKHR, .stages = vk::PipelineStageFlagBits2::eNone, .access = {}};
-
-/// The window system's choice is ours: what Wayland says of a surface's size.
-constexpr std::uint32_t anySize = std::numeric_limits<std::uint32_t>::max();
-
-vk::raii::SurfaceKHR makeSurface(const VulkanDevice& device, const XcbWindow& window) {
-    if (!device.hasSwapchain() || !device.instance().hasXcbSurfaces()) {
-        throw vk::SurfaceLostKHRError("the device has no window surfaces");
-    }
-    vk::raii::SurfaceKHR surface(
-        device.instance().handle(),
-        vk::XcbSurfaceCreateInfoKHR{.connection = static_cast<xcb_connection_t*>(window.connection),
-                                    .window = window.window});
-    if (device.physicalDevice().getSurfaceSupportKHR(device.queueFamily(), *surface) != VK_TRUE) {
-        throw vk::SurfaceLostKHRError("the device cannot show pictures in this window");
-    }
-    return surface;
-}
 
 /// Mailbox never blocks and never tears. Fifo is what every device has.
 vk::PresentModeKHR choosePresentMode(const VulkanDevice& device, const vk::raii::SurfaceKHR& surface) {
@@ -71,15 +55,17 @@ std::array<vk::Offset3D, 2> corners(vk::Extent2D size) {
 
 }  // namespace
 
-VulkanSwapchain::VulkanSwapchain(std::shared_ptr<VulkanDevice> device, const XcbWindow& window)
+VulkanSwapchain::VulkanSwapchain(std::shared_ptr<VulkanDevice> device, PresentationWindow window)
     : _device(std::move(device)),
-      _surface(makeSurface(*_device, window)),
+      _window(std::move(window)),
+      _surface(makeSurface(*_device, _window)),
       _commands(_device->makeCommands()),
       _acquired(_device->handle(), vk::FenceCreateInfo{}),
       _copied(_device->handle(), vk::FenceCreateInfo{}),
       _presentMode(choosePresentMode(*_device, _surface)) {}
 
-ShowResult VulkanSwapchain::show(const VulkanTexture& picture, const std::function<void()>& willPresent) {
+ShowResult VulkanSwapchain::show(const VulkanTexture& picture, const std::shared_ptr<const Overlay>&,
+                                 const std::function<void()>& willPresent) {
     std::optional<std::uint32_t> index = followWindow(picture) ? acquire() : std::nullopt;
     if (!index.has_value() && _outdated && followWindow(picture)) {
         index = acquire();
@@ -95,7 +81,7 @@ ShowResult VulkanSwapchain::show(const VulkanTexture& picture, const std::functi
 /// False when there is nothing to draw on.
 bool VulkanSwapchain::followWindow(const VulkanTexture& picture) {
     const auto capabilities = _device->physicalDevice().getSurfaceCapabilitiesKHR(*_surface);
-    const vk::Extent2D size = windowSize(capabilities, picture);
+    const vk::Extent2D size = windowSize(_window, capabilities);
     if (size.width == 0 || size.height == 0) {
         return false;
     }
@@ -103,17 +89,6 @@ bool VulkanSwapchain::followWindow(const VulkanTexture& picture) {
         build(capabilities, size, picture.format());
     }
     return true;
-}
-
-vk::Extent2D VulkanSwapchain::windowSize(const vk::SurfaceCapabilitiesKHR& capabilities,
-                                         const VulkanTexture& picture) const {
-    if (capabilities.currentExtent.width != anySize) {
-        return capabilities.currentExtent;
-    }
-    const vk::Extent2D least = capabilities.minImageExtent;
-    const vk::Extent2D most = capabilities.maxImageExtent;
-    return {std::clamp(picture.extent().width, least.width, most.width),
-            std::clamp(picture.extent().height, least.height, most.height)};
 }
 
 void VulkanSwapchain::build(const vk::SurfaceCapabilitiesKHR& capabilities, vk::Extent2D size,
@@ -200,7 +175,10 @@ ShowResult VulkanSwapchain::present(std::uint32_t index) {
         _device->present({.swapchainCount = 1, .pSwapchains = &swapchain, .pImageIndices = &index});
     switch (result) {
         case vk::Result::eSuboptimalKHR: noteSuboptimal(); [[fallthrough]];
-        case vk::Result::eSuccess: _hasPresented = true; return ShowResult::Shown;
+        case vk::Result::eSuccess:
+            _hasPresented = true;
+            noteShownFrame(_window);
+            return ShowResult::Shown;
         case vk::Result::eErrorOutOfDateKHR: _outdated = true; return ShowResult::Skipped;
         case vk::Result::eErrorSurfaceLostKHR: return ShowResult::WindowGone;
         default: return ShowResult::Failed;

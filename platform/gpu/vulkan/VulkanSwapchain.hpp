@@ -29,7 +29,7 @@ enum class ShowResult {
 class VulkanSwapchain {
 public:
     /// Throws; `vk::SurfaceLostKHRError` when the window has gone.
-    VulkanSwapchain(std::shared_ptr<VulkanDevice> device, const XcbWindow& window);
+    VulkanSwapchain(std::shared_ptr<VulkanDevice> device, PresentationWindow window);
     VulkanSwapchain(const VulkanSwapchain&) = delete;
     VulkanSwapchain& operator=(const VulkanSwapchain&) = delete;
 
@@ -37,13 +37,13 @@ public:
 
     /// Copies the picture, which is at rest, and presents it, calling `willPresent` in between. Throws like the
     /// constructor.
-    ShowResult show(const VulkanTexture& picture, const std::function<void()>& willPresent);
+    ShowResult show(const VulkanTexture& picture, const std::shared_ptr<const Overlay>& overlay,
+                    const std::function<void()>& willPresent);
 
 private:
     /// X11 does not heed it; there the windows' own speed is the limit.
     static constexpr std::chrono::milliseconds acquireTimeout{100};
 
-    vk::Extent2D windowSize(const vk::SurfaceCapabilitiesKHR& capabilities, const VulkanTexture& picture) const;
     bool followWindow(const VulkanTexture& picture);
     void build(const vk::SurfaceCapabilitiesKHR& capabilities, vk::Extent2D size, vk::Format pictureFormat);
     std::optional<std::uint32_t> acquire();
@@ -54,6 +54,7 @@ private:
     void waitAndReset(const vk::raii::Fence& fence) const;
 
     std::shared_ptr<VulkanDevice> _device;
+    PresentationWindow _window;
     vk::raii::SurfaceKHR _surface;
     VulkanCommands _commands;
     vk::raii::Fence _acquired;

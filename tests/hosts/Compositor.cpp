@@ -1,0 +1,106 @@
+#include "tests/hosts/Compositor.hpp"
+
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace hosts {
+namespace {
+
+std::string text(Size size) {
+    return std::to_string(size.width) + "x" + std::to_string(size.height);
+}
+
+}  // namespace
+
+Compositor::~Compositor() {
+    if (_process != nullptr) {
+        thaw();
+        _process->sendSignal(SIGTERM);
+        EXPECT_TRUE(_process->waitForEnd()) << "the compositor did not end";
+    }
+}
+
+std::vector<std::string> Compositor::environment() const {
+    return _home.environment() + std::vector<std::string>{"WAYLAND_DISPLAY=" + socketName(),
+                                                          "SWAYSOCK=" + (_home.path() / "sway.socket").string()};
+}
+
+void Compositor::start(const std::vector<std::string>& command, const std::vector<std::string>& additions) {
+    std::vector<std::string> variables = environment() + additions;
+    variables.emplace_back("WAYLAND_DISPLAY");  // it is to make that display, not to run on it
+    _process = std::make_unique<fake::Process>(endingWithTest(command), variables);
+    const auto socket = _home.runtimeDirectory() / socketName();
+    if (!fake::eventually([&] { return std::filesystem::exists(socket) || !_process->isRunning(); }) ||
+        !_process->isRunning()) {
+        ADD_FAILURE() << "the compositor did not start: " << command.front();
+    }
+}
+
+void Compositor::run(const std::vector<std::string>& command) const {
+    const auto end =
+        runTool(command, environment() + std::vector<std::string>{"XDG_PICTURES_DIR=" + home().path().string()});
+    EXPECT_EQ(end.exitStatus, 0) << command.front() << ": " << end.standardOutput << end.standardError;
+}
+
+Sway::Sway(Size outputSize, int scale) {
+    const auto configuration = home().path() / "sway";
+    std::ofstream(configuration) << "xwayland disable\n"
+                                    "default_border none\n"
+                                    "output HEADLESS-1 resolution "
+                                 << text(outputSize) << " position 0 0 scale " << scale << '\n';
+    start({"/usr/bin/sway", "--config", configuration},
+          {"WLR_BACKENDS=headless", "WLR_RENDERER=pixman", "WLR_LIBINPUT_NO_DEVICES=1"});
+    const auto socket = home().path() / "sway.socket";
+    EXPECT_TRUE(fake::eventually([&] { return std::filesystem::exists(socket); }));
+}
+
+void Sway::addOutput(const std::string& name, Size size, int scale) {
+    tell("output " + name + " resolution " + text(size) + " scale " + std::to_string(scale));
+    tell("create_output");
+}
+
+void Sway::setResolution(const std::string& name, Size size) {
+    tell("output " + name + " resolution " + text(size));
+}
+
+void Sway::setScale(const std::string& name, int scale) {
+    tell("output " + name + " scale " + std::to_string(scale));
+}
+
+Picture Sway::picture(const std::string& output) const {
+    const auto file = home().path() / "screen.png";
+    run({"/usr/bin/grim", "-o", output, file});
+    return Picture::ofPng(file);
+}
+
+void Sway::tell(const std::string& command) {
+    run({"/usr/bin/swaymsg", command});
+}
+
+Weston::Weston(Size outputSize, int scale) {
+    const auto configuration = home().path() / "weston.ini";
+    std::ofstream(configuration) << "[shell]\npanel-position=none\n";  // its clock moves too
+    start({"/usr/bin/weston", "--backend=headless-backend.so", "--use-pixman", "--config=" + configuration.string(),
+           "--idle-time=0",
+           "--debug",  // without it nobody may take pictures
+           "--socket=" + socketName(), "--width=" + std::to_string(outputSize.width / scale),
+           "--height=" + std::to_string(outputSize.height / scale), "--scale=" + std::to_string(scale)});
+}
+
+Picture Weston::picture() const {
+    run({"/usr/bin/weston-screenshooter"});
+    Picture picture;
+    for (const auto& entry : std::filesystem::directory_iterator(home().path())) {
+        if (entry.path().extension() == ".png") {
+            picture = Picture::ofPng(entry.path());
+            std::filesystem::remove(entry.path());
+        }
+    }
+    return picture;
+}
+
+}  // namespace hosts
