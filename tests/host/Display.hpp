@@ -79,14 +79,16 @@ public:
     std::vector<std::uint8_t> pixels(xcb_window_t window) const {
         const Reply<xcb_get_geometry_reply_t> geometry(
             xcb_get_geometry_reply(_connection, xcb_get_geometry(_connection, window), nullptr));
-        if (geometry == nullptr) {
-            return {};
-        }
-        const Reply<xcb_get_image_reply_t> image(
-            xcb_get_image_reply(_connection,
-                                xcb_get_image(_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, _root, geometry->x, geometry->y,
-                                              geometry->width, geometry->height, ~0U),
-                                nullptr));
+        return geometry != nullptr ? pixels({geometry->x, geometry->y, geometry->width, geometry->height})
+                                   : std::vector<std::uint8_t>();
+    }
+    std::vector<std::uint8_t> pixels(const Place& place) const {
+        const Reply<xcb_get_image_reply_t> image(xcb_get_image_reply(
+            _connection,
+            xcb_get_image(_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, _root, static_cast<std::int16_t>(place.x),
+                          static_cast<std::int16_t>(place.y), static_cast<std::uint16_t>(place.width),
+                          static_cast<std::uint16_t>(place.height), ~0U),
+            nullptr));
         if (image == nullptr) {
             return {};
         }
