@@ -1,7 +1,9 @@
 #include "host/SaverWindow.hpp"
 
+#include <QtGui/QGuiApplication>
 #include <QtGui/QHideEvent>
 #include <QtGui/QShowEvent>
+#include <QtGui/QWindow>
 #include <QtWidgets/QLabel>
 #include <utility>
 
@@ -76,6 +78,12 @@ void SaverWindow::showErrorCode(const ErrorCode& error) {
     }
 }
 
+/// X11's window managers may unmap a window without a word, and then it counts as not exposed. Elsewhere that says
+/// nothing: a window that its picture covers need not be exposed to be seen.
+bool SaverWindow::isMapped() const {
+    return QGuiApplication::platformName() != QLatin1String("xcb") || windowHandle()->isExposed();
+}
+
 /// A start takes a while, so what else has happened comes first: other sizes, other screens, or that the window has to
 /// be hidden again.
 void SaverWindow::startOrStop() {
@@ -96,9 +104,17 @@ void SaverWindow::startNow() {
     }
 }
 
+bool SaverWindow::eventFilter(QObject* object, QEvent* event) {
+    if (event->type() == QEvent::Expose) {
+        startOrStop();
+    }
+    return QWidget::eventFilter(object, event);
+}
+
 void SaverWindow::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     _isShown = true;
+    windowHandle()->installEventFilter(this);
     if (_view == nullptr && _reason == nullptr) {
         makeView();
     }

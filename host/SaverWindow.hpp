@@ -40,6 +40,7 @@ public:
     void closeView();
 
 protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void changeEvent(QEvent* event) override;
@@ -48,7 +49,8 @@ protected:
 private:
     void makeView();
     void showReason(const std::string& reason);
-    bool canBeSeen() const { return _isShown && _isUncovered && !isMinimized(); }
+    bool isMapped() const;
+    bool canBeSeen() const { return _isShown && _isUncovered && !isMinimized() && isMapped(); }
     void startOrStop();
     void startNow();
 

@@ -21,6 +21,15 @@ struct Free {
 template <typename T>
 using Reply = std::unique_ptr<T, Free>;
 
+/// A window's place on the screen.
+struct Place {
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+    auto operator<=>(const Place&) const = default;
+};
+
 /// What a person at the X display sees and does.
 class Display {
 public:
@@ -50,18 +59,36 @@ public:
         return {};
     }
 
+    /// Where all mapped top-level windows of that title lie on the screen, in some order.
+    std::vector<Place> placesOfWindows(const std::string& title) const {
+        const Reply<xcb_query_tree_reply_t> tree(
+            xcb_query_tree_reply(_connection, xcb_query_tree(_connection, _root), nullptr));
+        std::vector<Place> places;
+        for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i) {
+            const xcb_window_t child = xcb_query_tree_children(tree.get())[i];
+            const Reply<xcb_get_geometry_reply_t> geometry(
+                xcb_get_geometry_reply(_connection, xcb_get_geometry(_connection, child), nullptr));
+            if (geometry != nullptr && titleOf(child) == title && isMapped(child)) {
+                places.push_back({geometry->x, geometry->y, geometry->width, geometry->height});
+            }
+        }
+        return places;
+    }
+
     /// Blue, green, red, unused per pixel; empty when the window is not there.
     std::vector<std::uint8_t> pixels(xcb_window_t window) const {
         const Reply<xcb_get_geometry_reply_t> geometry(
             xcb_get_geometry_reply(_connection, xcb_get_geometry(_connection, window), nullptr));
-        if (geometry == nullptr) {
-            return {};
-        }
-        const Reply<xcb_get_image_reply_t> image(
-            xcb_get_image_reply(_connection,
-                                xcb_get_image(_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, _root, geometry->x, geometry->y,
-                                              geometry->width, geometry->height, ~0U),
-                                nullptr));
+        return geometry != nullptr ? pixels({geometry->x, geometry->y, geometry->width, geometry->height})
+                                   : std::vector<std::uint8_t>();
+    }
+    std::vector<std::uint8_t> pixels(const Place& place) const {
+        const Reply<xcb_get_image_reply_t> image(xcb_get_image_reply(
+            _connection,
+            xcb_get_image(_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, _root, static_cast<std::int16_t>(place.x),
+                          static_cast<std::int16_t>(place.y), static_cast<std::uint16_t>(place.width),
+                          static_cast<std::uint16_t>(place.height), ~0U),
+            nullptr));
         if (image == nullptr) {
             return {};
         }
@@ -77,6 +104,27 @@ public:
                           XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
                           XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
         xcb_map_window(_connection, window);
+        settle();
+        return window;
+    }
+    /// One that is not mapped, of that depth and with a visual for it.
+    xcb_window_t makeHiddenWindow(std::uint16_t width, std::uint16_t height, std::uint8_t depth) const {
+        const xcb_window_t window = xcb_generate_id(_connection);
+        const xcb_visualid_t visual = visualOf(depth);
+        const xcb_colormap_t colors = xcb_generate_id(_connection);
+        xcb_create_colormap(_connection, XCB_COLORMAP_ALLOC_NONE, colors, _root, visual);
+        const std::uint32_t values[] = {0, 0, 1, colors};  // another depth than the root's needs a border and colours
+        xcb_create_window(_connection, depth, window, _root, 40, 30, width, height, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                          visual, XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_COLORMAP,
+                          values);
+        settle();
+        return window;
+    }
+    /// One that nothing can be drawn in.
+    xcb_window_t makeInputOnlyWindow() const {
+        const xcb_window_t window = xcb_generate_id(_connection);
+        xcb_create_window(_connection, 0, window, _root, 40, 30, 100, 100, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
+                          XCB_COPY_FROM_PARENT, 0, nullptr);
         settle();
         return window;
     }
@@ -159,6 +207,12 @@ public:
             xcb_get_input_focus_reply(_connection, xcb_get_input_focus(_connection), nullptr));
     }
 
+    void place(xcb_window_t window, std::int32_t x, std::int32_t y) const {
+        const std::uint32_t corner[] = {static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y)};
+        xcb_configure_window(_connection, window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, corner);
+        settle();
+    }
+
     void setMapped(xcb_window_t window, bool mapped) const {
         mapped ? xcb_map_window(_connection, window) : xcb_unmap_window(_connection, window);
         xcb_flush(_connection);
@@ -198,6 +252,17 @@ private:
     void fakeInput(std::uint8_t type, std::uint8_t detail, std::int16_t x = 0, std::int16_t y = 0) const {
         xcb_test_fake_input(_connection, type, detail, XCB_CURRENT_TIME, _root, x, y, 0);
         settle();
+    }
+
+    xcb_visualid_t visualOf(std::uint8_t depth) const {
+        const xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(_connection)).data;
+        for (auto depths = xcb_screen_allowed_depths_iterator(screen); depths.rem != 0; xcb_depth_next(&depths)) {
+            if (depths.data->depth == depth && depths.data->visuals_len > 0) {
+                return xcb_depth_visuals(depths.data)->visual_id;
+            }
+        }
+        ADD_FAILURE() << "this display has no windows of depth " << int{depth};
+        return XCB_COPY_FROM_PARENT;
     }
 
     xcb_atom_t atom(const std::string& name) const {

@@ -35,11 +35,12 @@ protected:
                                      "XDG_RUNTIME_DIR", "LC_ALL", "QT_SCALE_FACTOR=2"});
     }
 
-    void expectClouds() {
-        ASSERT_TRUE(fake::eventually([&] { return fake::brightness(_display.pixels(_window)) > 30.0; }))
+    void expectClouds() { expectCloudsIn(_window); }
+    void expectCloudsIn(xcb_window_t window) {
+        ASSERT_TRUE(fake::eventually([&] { return fake::brightness(_display.pixels(window)) > 30.0; }))
             << "no clouds appeared";
-        const auto before = _display.pixels(_window);
-        EXPECT_TRUE(fake::eventually([&] { return _display.pixels(_window) != before; })) << "they stand still";
+        const auto before = _display.pixels(window);
+        EXPECT_TRUE(fake::eventually([&] { return _display.pixels(window) != before; })) << "they stand still";
     }
 
     fake::ProcessEnd endBySignal() {
@@ -95,6 +96,111 @@ TEST_F(ForeignWindow, ThatIsDestroyedEndsTheProgramQuietly) {
     ASSERT_TRUE(end);
     EXPECT_EQ(end->exitStatus, 0);
     EXPECT_EQ(end->standardError, "");
+}
+
+TEST_F(ForeignWindow, ThatIsHiddenIsNotDrawnInUntilItIsShownAgain) {
+    start({"-root"});
+    expectClouds();
+    for (int round = 0; round < 3; ++round) {
+        _display.setMapped(_window, false);
+        EXPECT_TRUE(fake::eventually([&] { return !_process->isDrawing(); })) << round;
+        _display.setMapped(_window, true);
+        expectClouds();
+    }
+    EXPECT_EQ(endBySignal().standardError, "");
+}
+
+TEST_F(ForeignWindow, ThatIsCoveredIsNotDrawnInUntilItCanBeSeenAgain) {
+    start({"-root"});
+    expectClouds();
+    const xcb_window_t cover = _display.makeWindow(800, 700, 0);
+    EXPECT_TRUE(fake::eventually([&] { return !_process->isDrawing(); }));
+    _display.destroy(cover);
+    expectClouds();
+    EXPECT_EQ(endBySignal().standardError, "");
+}
+
+TEST_F(ForeignWindow, ThatIsShownLaterIsFilledThen) {
+    const xcb_window_t later = _display.makeHiddenWindow(300, 200, 24);
+    start({"--window-id", hexadecimal(later)});
+    ASSERT_TRUE(fake::eventually([&] { return !_display.windowsBelow(later).empty(); }));
+    EXPECT_FALSE(_process->isDrawing());
+    _display.setMapped(later, true);
+    expectCloudsIn(later);
+    EXPECT_EQ(endBySignal().standardError, "");
+    _display.destroy(later);
+}
+
+TEST_F(ForeignWindow, OfAnotherDepthIsFilledToo) {
+    const xcb_window_t translucent = _display.makeHiddenWindow(300, 200, 32);
+    _display.setMapped(translucent, true);
+    start({"--window-id", hexadecimal(translucent)});
+    expectCloudsIn(translucent);
+    EXPECT_EQ(endBySignal().standardError, "");
+    _display.destroy(translucent);
+}
+
+TEST_F(ForeignWindow, WhoseOwnerManagesWhatIsInItIsFilledAndFollowed) {
+    const xcb_window_t managed = _display.makeWindow(300, 200, XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT);
+    start({"--window-id", hexadecimal(managed)});
+    expectCloudsIn(managed);
+    _display.resize(managed, 640, 400);
+    EXPECT_TRUE(fake::eventually([&] {
+        return std::ranges::all_of(_display.windowsBelow(managed), [&](xcb_window_t inside) {
+            return _display.sizeOf(inside) == std::pair<std::uint16_t, std::uint16_t>(640, 400);
+        });
+    }));
+    expectCloudsIn(managed);
+    EXPECT_EQ(endBySignal().standardError, "");
+    _display.destroy(managed);
+}
+
+TEST_F(ForeignWindow, ThatIsDestroyedAtAnyMomentOfTheStartEndsTheProgramQuietly) {
+    for (int moment = 0; moment < 10; ++moment) {
+        const xcb_window_t brief = _display.makeWindow(300, 200, 0);
+        start({"--window-id", hexadecimal(brief)});
+        fake::eventually([] { return false; }, std::chrono::milliseconds(20 * moment));
+        _display.destroy(brief);
+        const auto end = _process->waitForEnd(std::chrono::seconds(20));
+        ASSERT_TRUE(end) << moment;
+        if (end->exitStatus == 1) {  // gone before it was looked at
+            EXPECT_EQ(end->standardError,
+                      "cirrane: there is no X11 window " + hexadecimal(brief) + " on this display\n");
+        } else {
+            EXPECT_EQ(end->exitStatus, 0) << moment;
+            EXPECT_EQ(end->standardError, "") << moment;
+        }
+    }
+}
+
+TEST_F(ForeignWindow, ThatNothingCanBeDrawnInIsAClearFailure) {
+    const xcb_window_t inputOnly = _display.makeInputOnlyWindow();
+    const auto end = fake::runCirrane({"--window-id", hexadecimal(inputOnly)});
+    EXPECT_EQ(end.exitStatus, 1);
+    EXPECT_EQ(end.standardError, "cirrane: there is no X11 window " + hexadecimal(inputOnly) + " on this display\n");
+    _display.destroy(inputOnly);
+}
+
+TEST_F(ForeignWindow, WhoseOwnerStandsStillDoesNotHoldUpTheEnd) {
+    fake::Process owner({fake::cirraneProgram()}, {"WAYLAND_DISPLAY"});
+    ASSERT_TRUE(fake::eventually([&] { return _display.findWindow("Cirrane").has_value(); }));
+    const xcb_window_t owned = *_display.findWindow("Cirrane");
+    const std::size_t ownersOwn = _display.windowsBelow(owned).size();
+    start({"--window-id", hexadecimal(owned)});
+    ASSERT_TRUE(fake::eventually([&] { return _display.windowsBelow(owned).size() > ownersOwn; }));
+    ASSERT_TRUE(fake::eventually([&] { return _process->isDrawing(); }));
+    owner.sendSignal(SIGSTOP);
+    const auto end = endBySignal();
+    EXPECT_EQ(end.signal, SIGTERM);
+    EXPECT_EQ(end.standardError, "");
+}
+
+TEST_F(ForeignWindow, IsDrawnInAlsoByAProgramWithoutStandardStreams) {
+    _process = std::make_unique<fake::Process>(
+        std::vector<std::string>{"/bin/sh", "-c", R"(exec "$0" --root 0<&- 1>&- 2>&-)", fake::cirraneProgram()},
+        std::vector<std::string>{"XSCREENSAVER_WINDOW=" + hexadecimal(_window)});
+    expectClouds();
+    EXPECT_EQ(endBySignal().signal, SIGTERM);
 }
 
 TEST_F(ForeignWindow, KeepsItsInputForItsOwner) {

@@ -69,6 +69,11 @@ TEST_F(Fullscreen, AMovedPointerEndsIt) {
     expectCleanEnd();
 }
 
+TEST_F(Fullscreen, AWindowManagerThatClosesItEndsIt) {
+    _display.askToClose(*_display.findWindow("Cirrane"));
+    expectCleanEnd();
+}
+
 TEST_F(Fullscreen, ATremblingPointerDoesNot) {
     for (int round = 0; round < 5; ++round) {
         _display.movePointer(503, 500);

@@ -7,7 +7,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
 #include <utility>
 
 extern char** environ;  // NOLINT
@@ -112,6 +116,16 @@ void Process::closeOutput() {
             close(std::exchange(*pipe, -1));
         }
     }
+}
+
+bool Process::isDrawing() const {
+    std::error_code gone;
+    const auto threads = std::filesystem::directory_iterator("/proc/" + std::to_string(_pid) + "/task", gone);
+    return std::ranges::any_of(threads, [](const std::filesystem::directory_entry& thread) {
+        std::string name;
+        std::getline(std::ifstream(thread.path() / "comm"), name);
+        return name == "display-link";
+    });
 }
 
 void Process::readOutput() {

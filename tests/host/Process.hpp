@@ -28,6 +28,8 @@ public:
 
     void sendSignal(int signal) const;
     bool isRunning();
+    /// Whether a display link's thread asks it for frames.
+    bool isDrawing() const;
     /// What it has written so far.
     const std::string& standardOutput();
     /// From here on nobody reads what it writes.

@@ -91,6 +91,17 @@ TEST_F(Window, AResizedWindowIsFilledAgain) {
     expectCleanEnd();
 }
 
+TEST_F(Window, AWindowThatIsHiddenIsNotDrawnIn) {
+    const xcb_window_t hidden = *window();
+    EXPECT_TRUE(_process.isDrawing());
+    _display.setMapped(hidden, false);
+    EXPECT_TRUE(fake::eventually([&] { return !_process.isDrawing(); }));
+    _display.setMapped(hidden, true);
+    EXPECT_TRUE(fake::eventually([&] { return _process.isDrawing(); }));
+    _display.askToClose(hidden);
+    expectCleanEnd();
+}
+
 TEST_F(Window, AWindowThatWasHiddenShowsCloudsAgain) {
     const xcb_window_t hidden = *window();
     for (int round = 0; round < 5; ++round) {

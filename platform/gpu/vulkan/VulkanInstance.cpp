@@ -6,6 +6,7 @@
 #include <cstring>
 #include <stdexcept>
 #include <string>
+#include <variant>
 #include <vector>
 
 namespace gpu::vulkan {
@@ -54,7 +55,7 @@ std::optional<std::uint32_t> loaderVersion() {
 
 /// What the instance is made with.
 struct VulkanInstance::Extensions {
-    explicit Extensions(bool validating);
+    explicit Extensions(const VulkanOptions& options);
 
     std::vector<const char*> layers;
     std::vector<const char*> names;
@@ -64,7 +65,7 @@ struct VulkanInstance::Extensions {
     bool validationFeatures = false;
 };
 
-VulkanInstance::Extensions::Extensions(bool validating) {
+VulkanInstance::Extensions::Extensions(const VulkanOptions& options) {
     const auto offered = loader()->enumerateInstanceExtensionProperties();
     if (contains(offered, VK_KHR_SURFACE_EXTENSION_NAME)) {
         names.push_back(VK_KHR_SURFACE_EXTENSION_NAME);
@@ -74,10 +75,12 @@ VulkanInstance::Extensions::Extensions(bool validating) {
             return isOffered;
         };
         xcbSurfaces = takeIfOffered(VK_KHR_XCB_SURFACE_EXTENSION_NAME);
-        waylandSurfaces = takeIfOffered(VK_KHR_WAYLAND_SURFACE_EXTENSION_NAME);
+        // Whoever asks for it makes a layer of Mesa's look for a compositor, and complain when there is none.
+        const auto* wayland = std::get_if<WaylandServer>(&options.presentation);
+        waylandSurfaces = wayland != nullptr && takeIfOffered(VK_KHR_WAYLAND_SURFACE_EXTENSION_NAME);
     }
     debugNames = contains(offered, VK_EXT_DEBUG_UTILS_EXTENSION_NAME);
-    if (validating) {
+    if (options.validate) {
         layers.push_back(validationLayer);
         const auto ofLayer = loader()->enumerateInstanceExtensionProperties(std::string(validationLayer));
         validationFeatures = contains(ofLayer, VK_EXT_VALIDATION_FEATURES_EXTENSION_NAME);
@@ -96,7 +99,7 @@ std::shared_ptr<const VulkanInstance> VulkanInstance::open(const VulkanOptions& 
         return nullptr;
     }
     try {
-        return std::shared_ptr<const VulkanInstance>(new VulkanInstance(Extensions(options.validate), options));
+        return std::shared_ptr<const VulkanInstance>(new VulkanInstance(Extensions(options), options));
     } catch (const std::exception& error) {
         platform::systemLog(std::string("gpu: no Vulkan instance: ") + error.what());
         return nullptr;
