@@ -30,7 +30,9 @@ private:
     std::shared_ptr<gpu::Drawable> makeDrawable(const Configuration& configuration) override;
     void presentFinished(std::shared_ptr<gpu::Drawable> drawable) override;
     void changePresentationTarget(gpu::PresentationTarget) override {}
-    void changeOverlay(std::shared_ptr<const gpu::Overlay> overlay) override { _overlays.push_back(std::move(overlay)); }
+    void changeOverlay(std::shared_ptr<const gpu::Overlay> overlay) override {
+        _overlays.push_back(std::move(overlay));
+    }
     std::vector<std::byte> copyPixels(const gpu::Drawable& drawable) override;
 
     Image* freeImage();

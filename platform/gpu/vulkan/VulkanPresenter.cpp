@@ -17,8 +17,7 @@ namespace gpu::vulkan {
 
 /// What the thread works on. It holds this itself, so that it can be left behind.
 struct VulkanPresenter::Work {
-    explicit Work(PresentationTarget presentationTarget)
-        : target(std::move(presentationTarget)) {}
+    explicit Work(PresentationTarget presentationTarget) : target(std::move(presentationTarget)) {}
 
     void run() noexcept;
     std::shared_ptr<Drawable> waitForFrame();
