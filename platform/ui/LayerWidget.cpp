@@ -99,8 +99,18 @@ std::shared_ptr<HostView> LayerWidget::hostView() const {
 void LayerWidget::setLayer(std::shared_ptr<gpu::Layer> layer) {
     hideLayer();
     _layer = std::move(layer);
+    if (_layer != nullptr) {
+        _layer->setShowsFrames(_showsFrames);
+    }
     if (isVisible()) {
         showLayer();
+    }
+}
+
+void LayerWidget::setShowsFrames(bool showsFrames) {
+    _showsFrames = showsFrames;
+    if (_layer != nullptr) {
+        _layer->setShowsFrames(showsFrames);
     }
 }
 
