@@ -4,6 +4,7 @@
 #include "platform/gpu/RenderPassDescriptor.hpp"
 #include "platform/gpu/vulkan/VulkanBackend.hpp"
 #include "platform/ui/ApplicationDisplay.hpp"
+#include "tests/support/Waiting.hpp"
 
 #include <gtest/gtest.h>
 
@@ -46,9 +47,11 @@ void LayerPainter::draw(std::uint32_t color) {
     pass.colorAttachments[0].clearColor = {(color >> 16 & 0xFF) / 255.0, (color >> 8 & 0xFF) / 255.0,
                                            (color & 0xFF) / 255.0, 1.0};
     commands->renderCommandEncoder(pass)->endEncoding();
+    fake::Gate completed;
+    commands->addCompletedHandler([&completed](gpu::CommandBuffer&) { completed.open(); });
     commands->presentDrawable(drawable);
     commands->commit();
-    commands->waitUntilCompleted();
+    ASSERT_TRUE(completed.wait());
 }
 
 std::vector<std::string> LayerPainter::messages() const {

@@ -23,7 +23,7 @@ public:
     LayerPainter& operator=(const LayerPainter&) = delete;
 
     const std::shared_ptr<gpu::Layer>& layer() const { return _layer; }
-    /// Draws one frame of this colour 0xRRGGBB and waits for the GPU.
+    /// Draws one frame of this colour 0xRRGGBB and waits until it has been handed on to be shown.
     void draw(std::uint32_t color);
 
     std::vector<std::string> messages() const;
