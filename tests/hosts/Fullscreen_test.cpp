@@ -20,7 +20,7 @@ protected:
         if (GetParam()) {
             manager = std::make_unique<fake::Process>(std::vector<std::string>{"/usr/bin/openbox", "--sm-disable"},
                                                       home.environment());
-            EXPECT_TRUE(fake::eventually([this] { return server.display().hasWindowManager(); }));
+            XServer::waitForWindowManager();
         }
         server.display().movePointer(10, 10);
         cirrane =
