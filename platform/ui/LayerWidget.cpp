@@ -74,7 +74,8 @@ private:
     LayerWidget* _widget;
 };
 
-LayerWidget::LayerWidget(QWidget* parent) : QWidget(parent), _view(std::make_shared<View>(this)), _overlays([this] { updateOverlays(); }) {
+LayerWidget::LayerWidget(QWidget* parent)
+    : QWidget(parent), _view(std::make_shared<View>(this)), _overlays([this] { updateOverlays(); }) {
     setAttribute(Qt::WA_OpaquePaintEvent, false);
     QPalette black = palette();
     black.setColor(QPalette::Window, Qt::black);
@@ -98,8 +99,18 @@ std::shared_ptr<HostView> LayerWidget::hostView() const {
 void LayerWidget::setLayer(std::shared_ptr<gpu::Layer> layer) {
     hideLayer();
     _layer = std::move(layer);
+    if (_layer != nullptr) {
+        _layer->setShowsFrames(_showsFrames);
+    }
     if (isVisible()) {
         showLayer();
+    }
+}
+
+void LayerWidget::setShowsFrames(bool showsFrames) {
+    _showsFrames = showsFrames;
+    if (_layer != nullptr) {
+        _layer->setShowsFrames(showsFrames);
     }
 }
 
@@ -144,7 +155,8 @@ void LayerWidget::resizeEvent(QResizeEvent* event) {
 /// Of the native top-level window: what the widget itself is not told of, such as a frame or a scale that comes late.
 bool LayerWidget::eventFilter(QObject* watched, QEvent* event) {
     if (isVisible() && (event->type() == QEvent::Expose || event->type() == QEvent::Resize)) {
-        QMetaObject::invokeMethod(this, [this] { windowChanged(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this] { windowChanged(); }, Qt::QueuedConnection);
     }
     return QWidget::eventFilter(watched, event);
 }

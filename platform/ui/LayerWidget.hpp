@@ -30,6 +30,10 @@ public:
     /// Renderers attached from now on meet this one instead of the widget: for runs that show no window, and for tests.
     void setHostView(std::shared_ptr<HostView> standIn) { _standIn = std::move(standIn); }
 
+    /// Whether finished frames are shown; false keeps the last picture, and nothing more is done for the window when it
+    /// returns.
+    void setShowsFrames(bool showsFrames);
+
     /// Shows this layer's frames, or none. Returns when the former layer's frames are no longer shown.
     void setLayer(std::shared_ptr<gpu::Layer> layer);
 
@@ -65,6 +69,7 @@ private:
     std::shared_ptr<View> _view;
     std::shared_ptr<HostView> _standIn;
     std::shared_ptr<gpu::Layer> _layer;
+    bool _showsFrames = true;
     std::unique_ptr<LayerWindow> _layerWindow;
     LayerOverlays _overlays;
     double _shownScale = 0.0;

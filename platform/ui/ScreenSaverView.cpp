@@ -13,6 +13,16 @@ ScreenSaverView::ScreenSaverView(const Rect& frame, bool isPreview) : _isPreview
 
 ScreenSaverView::~ScreenSaverView() = default;
 
+void ScreenSaverView::startAnimation() {
+    _isAnimating = true;
+    setShowsFrames(true);
+}
+
+void ScreenSaverView::stopAnimation() {
+    _isAnimating = false;
+    setShowsFrames(false);
+}
+
 void ScreenSaverView::drawRect(const Rect&) {}
 
 void ScreenSaverView::paintEvent(QPaintEvent* event) {

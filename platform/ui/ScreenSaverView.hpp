@@ -23,9 +23,9 @@ public:
 
     bool isPreview() const { return _isPreview; }
     bool isAnimating() const { return _isAnimating; }
-    virtual void startAnimation() { _isAnimating = true; }
-    /// Returns when nothing is drawn any more. May be called at any time.
-    virtual void stopAnimation() { _isAnimating = false; }
+    virtual void startAnimation();
+    /// Returns when nothing is drawn or shown any more. May be called at any time.
+    virtual void stopAnimation();
 
     /// Called from the event loop, never inside a paint event, after that part of the view has been painted black.
     virtual void drawRect(const Rect& dirtyRect);
