@@ -52,10 +52,13 @@ Sway::Sway(Size outputSize, int scale) {
                                     "default_border none\n"
                                     "output HEADLESS-1 resolution "
                                  << text(outputSize) << " position 0 0 scale " << scale << '\n';
-    start({"/usr/bin/sway", "--config", configuration},
+    // Windows that are scanned out are in no picture.
+    start({"/usr/bin/sway", "-Dnoscanout", "--config", configuration},
           {"WLR_BACKENDS=headless", "WLR_RENDERER=pixman", "WLR_LIBINPUT_NO_DEVICES=1"});
-    const auto socket = home().path() / "sway.socket";
-    EXPECT_TRUE(fake::eventually([&] { return std::filesystem::exists(socket); }));
+    const auto answers = [this] {
+        return runTool({"/usr/bin/swaymsg", "--type", "get_version"}, environment()).exitStatus == 0;
+    };
+    EXPECT_TRUE(fake::eventually(answers)) << "sway answers no messages";
 }
 
 void Sway::addOutput(const std::string& name, Size size, int scale) {
