@@ -54,7 +54,7 @@ std::optional<std::uint32_t> loaderVersion() {
 
 /// What the instance is made with.
 struct VulkanInstance::Extensions {
-    explicit Extensions(bool validating);
+    explicit Extensions(const VulkanOptions& options);
 
     std::vector<const char*> layers;
     std::vector<const char*> names;
@@ -64,20 +64,17 @@ struct VulkanInstance::Extensions {
     bool validationFeatures = false;
 };
 
-VulkanInstance::Extensions::Extensions(bool validating) {
+VulkanInstance::Extensions::Extensions(const VulkanOptions& options) {
     const auto offered = loader()->enumerateInstanceExtensionProperties();
-    if (contains(offered, VK_KHR_SURFACE_EXTENSION_NAME)) {
-        names.push_back(VK_KHR_SURFACE_EXTENSION_NAME);
-        const auto takeIfOffered = [&](const char* name) {
-            const bool isOffered = contains(offered, name);
-            names.insert(names.end(), isOffered ? 1 : 0, name);
-            return isOffered;
-        };
-        xcbSurfaces = takeIfOffered(VK_KHR_XCB_SURFACE_EXTENSION_NAME);
-        waylandSurfaces = takeIfOffered(VK_KHR_WAYLAND_SURFACE_EXTENSION_NAME);
+    // Only what is needed: asked for Wayland surfaces, drivers look for a compositor, and complain where there is none.
+    const bool onWayland = std::holds_alternative<WaylandServer>(options.presentation);
+    const char* const surfaces = onWayland ? VK_KHR_WAYLAND_SURFACE_EXTENSION_NAME : VK_KHR_XCB_SURFACE_EXTENSION_NAME;
+    if (contains(offered, VK_KHR_SURFACE_EXTENSION_NAME) && contains(offered, surfaces)) {
+        names.insert(names.end(), {VK_KHR_SURFACE_EXTENSION_NAME, surfaces});
+        (onWayland ? waylandSurfaces : xcbSurfaces) = true;
     }
     debugNames = contains(offered, VK_EXT_DEBUG_UTILS_EXTENSION_NAME);
-    if (validating) {
+    if (options.validate) {
         layers.push_back(validationLayer);
         const auto ofLayer = loader()->enumerateInstanceExtensionProperties(std::string(validationLayer));
         validationFeatures = contains(ofLayer, VK_EXT_VALIDATION_FEATURES_EXTENSION_NAME);
@@ -96,7 +93,7 @@ std::shared_ptr<const VulkanInstance> VulkanInstance::open(const VulkanOptions& 
         return nullptr;
     }
     try {
-        return std::shared_ptr<const VulkanInstance>(new VulkanInstance(Extensions(options.validate), options));
+        return std::shared_ptr<const VulkanInstance>(new VulkanInstance(Extensions(options), options));
     } catch (const std::exception& error) {
         platform::systemLog(std::string("gpu: no Vulkan instance: ") + error.what());
         return nullptr;
