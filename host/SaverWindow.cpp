@@ -94,6 +94,7 @@ void SaverWindow::startOrStop() {
     _startSoon.stop();
     if (_view != nullptr && _view->isAnimating()) {
         _view->stopAnimation();
+        _view->setUpdatesEnabled(false);  // a preview starts again when it is redrawn, which the strip asks for
     }
 }
 
@@ -101,6 +102,7 @@ void SaverWindow::startOrStop() {
 void SaverWindow::startNow() {
     if (_view != nullptr && !_view->shownError() && !_view->isAnimating()) {
         _view->startAnimation();
+        _view->setUpdatesEnabled(true);
     }
 }
 

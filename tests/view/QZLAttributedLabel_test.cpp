@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QtGui/QPainter>
+#include <QtWidgets/QApplication>
 
 namespace {
 
@@ -77,10 +78,27 @@ TEST_F(QZLAttributedLabelTest, WrapsAtTheWidthOfItsBound) {
     EXPECT_EQ(pixelsNot(Qt::red, drawn, QRect(72, 0, 128, 100)), 0);
 }
 
+/// Counts its paint events.
+class PaintCounter final : public QObject {
+public:
+    bool eventFilter(QObject*, QEvent* event) override {
+        painted += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+    int painted = 0;
+};
+
 TEST_F(QZLAttributedLabelTest, ANewTextIsNotDrawnUnlessAsked) {
+    PaintCounter counter;
     parent.show();
+    QApplication::processEvents();
+    label.installEventFilter(&counter);
     label.setText(text("cloud"), {0, 0, 200, 100}, 3);
-    EXPECT_FALSE(label.testAttribute(Qt::WA_PendingUpdate));
+    QApplication::processEvents();
+    EXPECT_EQ(counter.painted, 0);
+    label.update();
+    QApplication::processEvents();
+    EXPECT_EQ(counter.painted, 1);
 }
 
 }  // namespace

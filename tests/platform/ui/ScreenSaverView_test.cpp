@@ -63,11 +63,11 @@ TEST(ScreenSaverView, IsToldOnceFromTheEventLoopWhatWasPainted) {
     view.show();
     QApplication::processEvents();
     view.drawn.clear();
-    view.repaint();
     view.repaint(0, 150, 30, 50);
+    view.repaint(20, 140, 40, 20);
     EXPECT_TRUE(view.drawn.empty()) << "not inside the paint event";
     QApplication::processEvents();
-    EXPECT_EQ(view.drawn, (std::vector<Rect>{{0, 0, 30, 50}}));
+    EXPECT_EQ(view.drawn, (std::vector<Rect>{{0, 0, 60, 60}}));
 }
 
 }  // namespace
