@@ -75,6 +75,7 @@ void SaverWindow::makeViewAnew() {
 void SaverWindow::showErrorCode(const ErrorCode& error) {
     if (_view != nullptr && !_view->shownError()) {
         _view->showErrorCode(error.code, error.subCode);
+        _view->setUpdatesEnabled(true);  // it is to be seen, also when the window was hidden meanwhile
     }
 }
 
