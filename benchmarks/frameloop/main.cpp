@@ -1,4 +1,5 @@
-// What the framework's frame loop costs beside a loop written by hand for the same two passes, in one process, by turns.
+// What the framework's frame loop costs beside a loop written by hand for the same two passes, in one process, by
+// turns.
 //
 // Usage: frame_loop_benchmark [--rounds N]
 //        frame_loop_benchmark --device                           prints the name of the device that is measured

@@ -85,6 +85,10 @@ LayerWidget::LayerWidget(QWidget* parent)
     _settling.setSingleShot(true);
     _settling.setInterval(sizeSettlingMilliseconds);
     QObject::connect(&_settling, &QTimer::timeout, this, [this] { sizeSettled(); });
+    _following.setSingleShot(true);
+    QObject::connect(&_following, &QTimer::timeout, this, [this] { windowChanged(); });
+    _telling.setSingleShot(true);
+    QObject::connect(&_telling, &QTimer::timeout, this, [this] { tellVisibility(); });
 }
 
 LayerWidget::~LayerWidget() {
@@ -183,7 +187,7 @@ void LayerWidget::showLayer() {
     }
     window()->winId();  // makes the native window
     window()->windowHandle()->installEventFilter(this);
-    _layerWindow = makeLayerWindow(*this, [this](bool isSeen) { tellVisibility(isSeen); });
+    _layerWindow = makeLayerWindow(*this, [this](bool isSeen) { noteVisibility(isSeen); });
     if (_layerWindow != nullptr) {
         _layer->setPresentationTarget(_layerWindow->presentationTarget());
     }
@@ -195,19 +199,18 @@ void LayerWidget::hideLayer() {
         _layer->setPresentationTarget({});
     }
     _layerWindow.reset();
-    tellVisibility(true);  // the next window counts as visible until it is known not to be
+    noteVisibility(true);  // the next window counts as visible until it is known not to be
 }
 
-void LayerWidget::tellVisibility(bool isVisible) {
-    if (std::exchange(_isSurfaceVisible, isVisible) == isVisible) {
-        return;
+void LayerWidget::noteVisibility(bool isSeen) {
+    _isSeen = isSeen;
+    _telling.start();
+}
+
+void LayerWidget::tellVisibility() {
+    if (std::exchange(_isToldSeen, _isSeen) != _isSeen && _visibility) {
+        _visibility(_isSeen);
     }
-    const auto tell = [this, isVisible] {
-        if (_visibility) {
-            _visibility(isVisible);
-        }
-    };
-    QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
 }
 
 }  // namespace platform

@@ -64,7 +64,8 @@ private:
     void showLayer();
     void hideLayer();
     void windowChanged();
-    void tellVisibility(bool isVisible);
+    void noteVisibility(bool isSeen);
+    void tellVisibility();
 
     std::shared_ptr<View> _view;
     std::shared_ptr<HostView> _standIn;
@@ -74,8 +75,12 @@ private:
     LayerOverlays _overlays;
     double _shownScale = 0.0;
     std::function<void(bool)> _visibility;
-    bool _isSurfaceVisible = true;
+    bool _isSeen = true;
+    bool _isToldSeen = true;
     QTimer _settling;
+    // Both run out at once, but through the event loop.
+    QTimer _following;
+    QTimer _telling;
 };
 
 }  // namespace platform

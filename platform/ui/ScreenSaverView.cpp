@@ -27,12 +27,12 @@ void ScreenSaverView::drawRect(const Rect&) {}
 
 void ScreenSaverView::paintEvent(QPaintEvent* event) {
     LayerWidget::paintEvent(event);
-    _dirtyRect = toView(event->rect(), height());
+    _dirty |= event->rect();
     if (!std::exchange(_drawIsPending, true)) {
         const auto draw = [this] {
             _drawIsPending = false;
             if (isVisible()) {
-                drawRect(_dirtyRect);
+                drawRect(toView(std::exchange(_dirty, QRect()), height()));
             }
         };
         QMetaObject::invokeMethod(this, draw, Qt::QueuedConnection);

@@ -188,15 +188,6 @@ TEST_F(WaylandLayer, IsToldToBeInvisibleOnAnotherWorkspaceAndVisibleAgainWithout
     EXPECT_EQ(_told, (std::vector<bool>{false, true, false, true}));
 }
 
-TEST_F(WaylandLayer, IsToldToBeInvisibleWhileTheScreenIsOff) {
-    _window->show();
-    ASSERT_TRUE(showsExactly({140, 110, 200, 100}));
-    ASSERT_TRUE(session->command("output HEADLESS-1 dpms off"));
-    ASSERT_TRUE(isTold(false, true));
-    ASSERT_TRUE(session->command("output HEADLESS-1 dpms on"));
-    EXPECT_TRUE(isTold(true, false));
-}
-
 TEST_F(WaylandLayer, CountsAsVisibleAgainOnceItsWidgetIsHidden) {
     _window->show();
     ASSERT_TRUE(showsExactly({140, 110, 200, 100}));

@@ -1,11 +1,10 @@
 // Frames in real X11 windows, and whether they can be seen.
 #include "LayerPainter.hpp"
-#include "platform/ui/ApplicationDisplay.hpp"
+#include "StandInMonitor.hpp"
 #include "platform/ui/LayerWidget.hpp"
 
 #include <gtest/gtest.h>
 #include <xcb/dpms.h>
-#include <xcb/xcb.h>
 
 #include <QtGui/QScreen>
 #include <QtWidgets/QApplication>
@@ -29,22 +28,6 @@ protected:
         _widget->setLayer(_painter.layer());
         _widget->setSurfaceVisibilityHandler([this](bool isVisible) { _told.push_back(isVisible); });
         _window->show();
-    }
-
-    ~X11Layer() override {
-        if (hasPowerManagement()) {
-            setMonitor(XCB_DPMS_DPMS_MODE_ON);
-            xcb_dpms_disable(connection());
-            xcb_flush(connection());
-        }
-    }
-
-    static xcb_connection_t* connection() { return platform::applicationX11Connection(); }
-    static bool hasPowerManagement() { return xcb_get_extension_data(connection(), &xcb_dpms_id)->present != 0; }
-    static void setMonitor(std::uint16_t level) {
-        xcb_dpms_enable(connection());
-        xcb_dpms_force_level(connection(), level);
-        xcb_flush(connection());
     }
 
     static QRgb pixel(int x, int y) {
@@ -122,16 +105,21 @@ TEST_F(X11Layer, CountsAsVisibleAgainOnceItIsHidden) {
 }
 
 TEST_F(X11Layer, IsToldToBeInvisibleWhileTheMonitorIsOff) {
-    if (!hasPowerManagement()) {
-        GTEST_SKIP() << "this X server knows no monitor that can be off";
-    }
     ASSERT_TRUE(showsExactly({140, 110, 200, 100}));
-    for (const std::uint16_t level : {XCB_DPMS_DPMS_MODE_OFF, XCB_DPMS_DPMS_MODE_STANDBY, XCB_DPMS_DPMS_MODE_SUSPEND}) {
-        setMonitor(level);
+    for (const xcb_dpms_dpms_mode_t level :
+         {XCB_DPMS_DPMS_MODE_OFF, XCB_DPMS_DPMS_MODE_STANDBY, XCB_DPMS_DPMS_MODE_SUSPEND}) {
+        fake::monitor::setPower(level);
         ASSERT_TRUE(isTold(false)) << level;
-        setMonitor(XCB_DPMS_DPMS_MODE_ON);
+        fake::monitor::setPower(XCB_DPMS_DPMS_MODE_ON);
         ASSERT_TRUE(isTold(true)) << level;
     }
+}
+
+TEST_F(X11Layer, AMonitorWhosePowerNobodyManagesIsOnWhateverItsLevel) {
+    fake::monitor::setPower(XCB_DPMS_DPMS_MODE_OFF);
+    ASSERT_TRUE(isTold(false));
+    fake::monitor::setPower(XCB_DPMS_DPMS_MODE_OFF, false);
+    EXPECT_TRUE(isTold(true));
 }
 
 }  // namespace

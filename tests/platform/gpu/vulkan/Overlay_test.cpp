@@ -51,7 +51,7 @@ TEST_F(Overlays, EachOfItsPixelsIsShown) {
         }
     }
     _layer->setOverlay(std::make_shared<const gpu::Overlay>(stripes));
-    ASSERT_TRUE(showsAt({3, 4}, green, 0));
+    ASSERT_TRUE(showsAt({6, 5}, green, 7 * 0x1E140A));
     for (std::uint32_t pixel = 0; pixel < 8; ++pixel) {
         EXPECT_EQ(_window.pixel({3 + pixel % 4, 4 + pixel / 4}), pixel * 0x1E140A);
     }
