@@ -75,6 +75,7 @@ void SaverWindow::makeViewAnew() {
 void SaverWindow::showErrorCode(const ErrorCode& error) {
     if (_view != nullptr && !_view->shownError()) {
         _view->showErrorCode(error.code, error.subCode);
+        _view->setUpdatesEnabled(true);  // it is to be seen, also when the window was hidden meanwhile
     }
 }
 
@@ -94,6 +95,7 @@ void SaverWindow::startOrStop() {
     _startSoon.stop();
     if (_view != nullptr && _view->isAnimating()) {
         _view->stopAnimation();
+        _view->setUpdatesEnabled(false);  // a preview starts again when it is redrawn, which the strip asks for
     }
 }
 
@@ -101,6 +103,7 @@ void SaverWindow::startOrStop() {
 void SaverWindow::startNow() {
     if (_view != nullptr && !_view->shownError() && !_view->isAnimating()) {
         _view->startAnimation();
+        _view->setUpdatesEnabled(true);
     }
 }
 

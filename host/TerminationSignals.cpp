@@ -96,8 +96,12 @@ std::optional<int> TerminationSignals::received() const {
 
 void TerminationSignals::raiseAgain(int signalNumber) {
     setHandler(signalNumber, SIG_DFL);
+    sigset_t itself;
+    sigemptyset(&itself);
+    sigaddset(&itself, signalNumber);
+    pthread_sigmask(SIG_UNBLOCK, &itself, nullptr);  // blocked where its own handler was interrupted
     raise(signalNumber);
-    _exit(128 + signalNumber);  // not reached unless the signal is blocked
+    _exit(128 + signalNumber);  // not reached
 }
 
 }  // namespace host

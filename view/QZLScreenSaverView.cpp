@@ -145,13 +145,16 @@ void QZLScreenSaverView::sizeSettled() {
     if (wasAnimating) {
         startAnimation();
     }
+    if (_renderer != nullptr && !_renderer->isAttached()) {
+        hostView()->setLayer(nullptr);  // on a screen that does not draw, or not yet: no old picture either
+    }
 }
 
 void QZLScreenSaverView::resizeEvent(QResizeEvent* event) {
-    ScreenSaverView::resizeEvent(event);
     if (_diagnosticText != nullptr) {
-        _diagnosticText->followParent();
+        _diagnosticText->followParent();  // before the base draws what lies above the frames
     }
+    ScreenSaverView::resizeEvent(event);
     if (_shownError) {
         layOutError();
     }

@@ -81,6 +81,10 @@ void Layer::setPresentationTarget(PresentationTarget target) {
     changePresentationTarget(std::move(target));
 }
 
+void Layer::setShowsFrames(bool showsFrames) {
+    changeShowsFrames(showsFrames);
+}
+
 void Layer::setOverlay(std::shared_ptr<const Overlay> overlay) {
     constexpr std::size_t bytesPerPixel = 4;
     const bool isPicture = overlay != nullptr && !overlay->pixels.empty() &&

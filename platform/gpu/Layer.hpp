@@ -142,6 +142,10 @@ public:
     /// caller may destroy it. Letting go of the layer is no substitute: a frame in flight may hold it a while longer.
     void setPresentationTarget(PresentationTarget target);
 
+    /// False holds back every frame that is finished from now on, and the window keeps the picture that it has. Then no
+    /// frame is on its way to the window any more when this returns, unless the window is stuck. True at first.
+    void setShowsFrames(bool showsFrames);
+
     /// Lies over every frame that is shown from now on, at its own size however frames are stretched; null for nothing.
     /// One whose pixels do not fill its size counts as null. The frame that is on show keeps what it was shown with.
     void setOverlay(std::shared_ptr<const Overlay> overlay);
@@ -173,6 +177,7 @@ private:
     virtual std::shared_ptr<Drawable> makeDrawable(const Configuration& configuration) = 0;
     virtual void presentFinished(std::shared_ptr<Drawable> drawable) = 0;
     virtual void changePresentationTarget(PresentationTarget target) = 0;
+    virtual void changeShowsFrames(bool showsFrames) = 0;
     virtual void changeOverlay(std::shared_ptr<const Overlay> overlay) = 0;
     virtual std::vector<std::byte> copyPixels(const Drawable& drawable) = 0;
 

@@ -6,9 +6,9 @@
 
 namespace platform {
 
-/// Judges from a compositor's answers to "when shall the next frame be drawn?" whether a surface can be seen. A question
-/// goes out with the next frame that is shown, and is answered when the compositor draws the surface; never while nobody
-/// can see it. One question at a time.
+/// Judges from a compositor's answers to "when shall the next frame be drawn?" whether a surface can be seen. A
+/// question goes out with the next frame that is shown, and is answered when the compositor draws the surface; never
+/// while nobody can see it. One question at a time.
 class FrameAnswers {
 public:
     using Time = std::chrono::steady_clock::time_point;

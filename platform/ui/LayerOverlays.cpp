@@ -26,8 +26,8 @@ gpu::Overlay toOverlay(const QImage& image, QPoint corner) {
 void LayerOverlays::add(QWidget* child) {
     remove(child);
     _children.emplace_back(child);
-    QObject::connect(child, &QObject::destroyed, &_connections, [this] {
-        std::erase(_children, nullptr);
+    QObject::connect(child, &QObject::destroyed, &_connections, [this, child] {
+        std::erase(_children, child);
         _changed();
     });
 }

@@ -3,7 +3,6 @@
 #include "platform/gpu/Layer.hpp"
 
 #include <QtCore/QObject>
-#include <QtCore/QPointer>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -29,7 +28,7 @@ private:
     std::shared_ptr<const gpu::Overlay> paint(const QWidget& widget) const;
 
     std::function<void()> _changed;
-    std::vector<QPointer<QWidget>> _children;
+    std::vector<QWidget*> _children;
     std::shared_ptr<const gpu::Overlay> _last;
     QObject _connections;  ///< what ends them, before all else here goes
 };

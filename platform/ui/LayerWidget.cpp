@@ -74,7 +74,8 @@ private:
     LayerWidget* _widget;
 };
 
-LayerWidget::LayerWidget(QWidget* parent) : QWidget(parent), _view(std::make_shared<View>(this)), _overlays([this] { updateOverlays(); }) {
+LayerWidget::LayerWidget(QWidget* parent)
+    : QWidget(parent), _view(std::make_shared<View>(this)), _overlays([this] { updateOverlays(); }) {
     setAttribute(Qt::WA_OpaquePaintEvent, false);
     QPalette black = palette();
     black.setColor(QPalette::Window, Qt::black);
@@ -84,6 +85,10 @@ LayerWidget::LayerWidget(QWidget* parent) : QWidget(parent), _view(std::make_sha
     _settling.setSingleShot(true);
     _settling.setInterval(sizeSettlingMilliseconds);
     QObject::connect(&_settling, &QTimer::timeout, this, [this] { sizeSettled(); });
+    _following.setSingleShot(true);
+    QObject::connect(&_following, &QTimer::timeout, this, [this] { windowChanged(); });
+    _telling.setSingleShot(true);
+    QObject::connect(&_telling, &QTimer::timeout, this, [this] { tellVisibility(); });
 }
 
 LayerWidget::~LayerWidget() {
@@ -98,8 +103,18 @@ std::shared_ptr<HostView> LayerWidget::hostView() const {
 void LayerWidget::setLayer(std::shared_ptr<gpu::Layer> layer) {
     hideLayer();
     _layer = std::move(layer);
+    if (_layer != nullptr) {
+        _layer->setShowsFrames(_showsFrames);
+    }
     if (isVisible()) {
         showLayer();
+    }
+}
+
+void LayerWidget::setShowsFrames(bool showsFrames) {
+    _showsFrames = showsFrames;
+    if (_layer != nullptr) {
+        _layer->setShowsFrames(showsFrames);
     }
 }
 
@@ -144,7 +159,8 @@ void LayerWidget::resizeEvent(QResizeEvent* event) {
 /// Of the native top-level window: what the widget itself is not told of, such as a frame or a scale that comes late.
 bool LayerWidget::eventFilter(QObject* watched, QEvent* event) {
     if (isVisible() && (event->type() == QEvent::Expose || event->type() == QEvent::Resize)) {
-        QMetaObject::invokeMethod(this, [this] { windowChanged(); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this] { windowChanged(); }, Qt::QueuedConnection);
     }
     return QWidget::eventFilter(watched, event);
 }
@@ -171,7 +187,7 @@ void LayerWidget::showLayer() {
     }
     window()->winId();  // makes the native window
     window()->windowHandle()->installEventFilter(this);
-    _layerWindow = makeLayerWindow(*this, [this](bool isSeen) { tellVisibility(isSeen); });
+    _layerWindow = makeLayerWindow(*this, [this](bool isSeen) { noteVisibility(isSeen); });
     if (_layerWindow != nullptr) {
         _layer->setPresentationTarget(_layerWindow->presentationTarget());
     }
@@ -183,19 +199,18 @@ void LayerWidget::hideLayer() {
         _layer->setPresentationTarget({});
     }
     _layerWindow.reset();
-    tellVisibility(true);  // the next window counts as visible until it is known not to be
+    noteVisibility(true);  // the next window counts as visible until it is known not to be
 }
 
-void LayerWidget::tellVisibility(bool isVisible) {
-    if (std::exchange(_isSurfaceVisible, isVisible) == isVisible) {
-        return;
+void LayerWidget::noteVisibility(bool isSeen) {
+    _isSeen = isSeen;
+    _telling.start();
+}
+
+void LayerWidget::tellVisibility() {
+    if (std::exchange(_isToldSeen, _isSeen) != _isSeen && _visibility) {
+        _visibility(_isSeen);
     }
-    const auto tell = [this, isVisible] {
-        if (_visibility) {
-            _visibility(isVisible);
-        }
-    };
-    QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
 }
 
 }  // namespace platform

@@ -30,6 +30,10 @@ public:
     /// Renderers attached from now on meet this one instead of the widget: for runs that show no window, and for tests.
     void setHostView(std::shared_ptr<HostView> standIn) { _standIn = std::move(standIn); }
 
+    /// Whether finished frames are shown; false keeps the last picture, and nothing more is done for the window when it
+    /// returns.
+    void setShowsFrames(bool showsFrames);
+
     /// Shows this layer's frames, or none. Returns when the former layer's frames are no longer shown.
     void setLayer(std::shared_ptr<gpu::Layer> layer);
 
@@ -60,17 +64,23 @@ private:
     void showLayer();
     void hideLayer();
     void windowChanged();
-    void tellVisibility(bool isVisible);
+    void noteVisibility(bool isSeen);
+    void tellVisibility();
 
     std::shared_ptr<View> _view;
     std::shared_ptr<HostView> _standIn;
     std::shared_ptr<gpu::Layer> _layer;
+    bool _showsFrames = true;
     std::unique_ptr<LayerWindow> _layerWindow;
     LayerOverlays _overlays;
     double _shownScale = 0.0;
     std::function<void(bool)> _visibility;
-    bool _isSurfaceVisible = true;
+    bool _isSeen = true;
+    bool _isToldSeen = true;
     QTimer _settling;
+    // Both run out at once, but through the event loop.
+    QTimer _following;
+    QTimer _telling;
 };
 
 }  // namespace platform

@@ -9,9 +9,9 @@ class QWidget;
 
 namespace platform {
 
-/// The native child window that a layer's frames are shown in: it covers a widget in its top-level window, lets all input
-/// through to it, and appears with the first frame. Main thread; owned by the widget. No layer may present to it any
-/// more when it is destroyed.
+/// The native child window that a layer's frames are shown in: it covers a widget in its top-level window, lets all
+/// input through to it, and appears with the first frame. Main thread; owned by the widget. No layer may present to it
+/// any more when it is destroyed.
 class LayerWindow {
 public:
     /// Told that nobody can see the window, or that somebody can again. Called from the event loop; a window counts as

@@ -13,16 +13,26 @@ ScreenSaverView::ScreenSaverView(const Rect& frame, bool isPreview) : _isPreview
 
 ScreenSaverView::~ScreenSaverView() = default;
 
+void ScreenSaverView::startAnimation() {
+    _isAnimating = true;
+    setShowsFrames(true);
+}
+
+void ScreenSaverView::stopAnimation() {
+    _isAnimating = false;
+    setShowsFrames(false);
+}
+
 void ScreenSaverView::drawRect(const Rect&) {}
 
 void ScreenSaverView::paintEvent(QPaintEvent* event) {
     LayerWidget::paintEvent(event);
-    _dirtyRect = toView(event->rect(), height());
+    _dirty |= event->rect();
     if (!std::exchange(_drawIsPending, true)) {
         const auto draw = [this] {
             _drawIsPending = false;
             if (isVisible()) {
-                drawRect(_dirtyRect);
+                drawRect(toView(std::exchange(_dirty, QRect()), height()));
             }
         };
         QMetaObject::invokeMethod(this, draw, Qt::QueuedConnection);

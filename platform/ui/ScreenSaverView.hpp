@@ -13,8 +13,7 @@ namespace platform {
 
 /// What a screen saver host meets: a view of one screen, or the small one of a preview. A saver derives from it; the
 /// host shows it in a window of its own, starts and stops it, and asks it for its settings. Main thread only; owned by
-/// the host. Black until something is drawn. Never throws; what goes wrong is shown in the view and told by
-/// `shownError`.
+/// the host. Black until something is drawn. What goes wrong is shown in the view and told by `shownError`.
 class ScreenSaverView : public LayerWidget {
 public:
     /// `frame` is its place in the window that it will be put in, in points from the top left.
@@ -23,9 +22,9 @@ public:
 
     bool isPreview() const { return _isPreview; }
     bool isAnimating() const { return _isAnimating; }
-    virtual void startAnimation() { _isAnimating = true; }
-    /// Returns when nothing is drawn any more. May be called at any time.
-    virtual void stopAnimation() { _isAnimating = false; }
+    virtual void startAnimation();
+    /// Returns when nothing is drawn or shown any more. May be called at any time.
+    virtual void stopAnimation();
 
     /// Called from the event loop, never inside a paint event, after that part of the view has been painted black.
     virtual void drawRect(const Rect& dirtyRect);
@@ -52,7 +51,7 @@ private:
     const bool _isPreview;
     bool _isAnimating = false;
     double _animationTimeInterval = 1.0 / 30.0;
-    Rect _dirtyRect;
+    QRect _dirty;  // since the last draw
     bool _drawIsPending = false;
 };
 

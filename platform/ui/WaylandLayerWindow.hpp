@@ -13,9 +13,9 @@ namespace platform {
 
 class WaylandConnection;
 
-/// On Wayland: a surface of our own as a subsurface of the top-level window's, which shows frames as they come, whatever
-/// the top-level does, and takes no input. The compositor stretches what is in it over the widget's place, so that a
-/// picture of a former size or scale does no harm.
+/// On Wayland: a surface of our own as a subsurface of the top-level window's, which shows frames as they come,
+/// whatever the top-level does, and takes no input. The compositor stretches what is in it over the widget's place, so
+/// that a picture of a former size or scale does no harm.
 class WaylandLayerWindow final : public LayerWindow {
 public:
     static std::unique_ptr<LayerWindow> create(QWidget& widget, VisibilityHandler handler);
@@ -33,8 +33,7 @@ private:
         bool operator==(const Place&) const = default;
     };
 
-    WaylandLayerWindow(const WaylandConnection& connection, void* parent, QWidget& widget,
-                       VisibilityHandler handler);
+    WaylandLayerWindow(const WaylandConnection& connection, void* parent, QWidget& widget, VisibilityHandler handler);
     Place wantedPlace() const;
     void commitPlace();
 

@@ -154,12 +154,6 @@ public:
         fakeInput(XCB_KEY_RELEASE, keycodeOf(keysym));
     }
 
-    bool hasWindowManager() const {
-        const Reply<xcb_get_property_reply_t> owner(xcb_get_property_reply(
-            _connection,
-            xcb_get_property(_connection, 0, _root, atom("_NET_SUPPORTING_WM_CHECK"), XCB_ATOM_WINDOW, 0, 1), nullptr));
-        return owner != nullptr && xcb_get_property_value_length(owner.get()) > 0;
-    }
     void focus(xcb_window_t window) const {
         xcb_set_input_focus(_connection, XCB_INPUT_FOCUS_POINTER_ROOT, window, XCB_CURRENT_TIME);
         settle();

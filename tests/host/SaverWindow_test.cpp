@@ -239,6 +239,25 @@ TEST_F(SaverWindowTest, AfterThreeLostDevicesWithinAMinuteTheErrorStands) {
     EXPECT_EQ(saver.lines(), Lines{"error 303:0"});
 }
 
+TEST_F(SaverWindowTest, AnErrorThatComesWhileHiddenIsSeenWhenShownAgain) {
+    SaverWindows windows(showing());
+    SaverWindow& window = windows.add();
+    window.resize(64, 64);
+    window.show();
+    handleEvents();
+    for (int loss = 0; loss < 3; ++loss) {
+        loseDevice();
+    }
+    window.hide();
+    handleEvents();
+    EXPECT_FALSE(saver.newestView()->updatesEnabled()) << "nothing is painted while stopped";
+    loseDevice();
+    EXPECT_EQ(saver.lines().back(), "error 303:0");
+    window.show();
+    handleEvents();
+    EXPECT_TRUE(saver.newestView()->updatesEnabled());
+}
+
 TEST_F(SaverWindowTest, ALossThatIsToldAfterTheWindowsHaveGoneIsNobodys) {
     const auto device = gpu->systemDefaultDevice();
     {

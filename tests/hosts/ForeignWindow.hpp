@@ -5,7 +5,11 @@
 #include "tests/hosts/XServer.hpp"
 
 #include <gtest/gtest.h>
+#include <signal.h>
 
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -48,7 +52,16 @@ protected:
         const auto end = process->waitForEnd(std::chrono::seconds(2));
         ASSERT_TRUE(end) << "the host's window would stand frozen";
         EXPECT_EQ(end->signal, SIGTERM);
-        EXPECT_EQ(end->standardError, "");
+        EXPECT_EQ(complaints(end->standardError), "");
+    }
+
+    /// All but what Mesa's choice of a device says where there is no XDG_RUNTIME_DIR: it looks for Wayland on its own.
+    static std::string complaints(std::string written) {
+        const std::string known = "error: XDG_RUNTIME_DIR is invalid or not set in the environment.\n";
+        for (std::size_t at = 0; (at = written.find(known)) != std::string::npos;) {
+            written.erase(at, known.size());
+        }
+        return written;
     }
 
     Home home;

@@ -3,8 +3,13 @@
 #include "tests/hosts/XServer.hpp"
 
 #include <gtest/gtest.h>
+#include <signal.h>
 
+#include <chrono>
+#include <cstdint>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace hosts {
 namespace {
@@ -15,7 +20,7 @@ protected:
         if (GetParam()) {
             manager = std::make_unique<fake::Process>(std::vector<std::string>{"/usr/bin/openbox", "--sm-disable"},
                                                       home.environment());
-            EXPECT_TRUE(fake::eventually([this] { return server.display().hasWindowManager(); }));
+            XServer::waitForWindowManager();
         }
         server.display().movePointer(10, 10);
         cirrane =
@@ -53,8 +58,12 @@ TEST_P(FullScreenOnX11, FollowsTheMonitorIntoOtherModesAndStays) {
 
 TEST_P(FullScreenOnX11, EndsWhenThePointerIsMoved) {
     ASSERT_TRUE(showsMovingCloudsOf(judgedSize));
-    server.display().movePointer(200, 200);
-    server.display().movePointer(260, 260);
+    std::int16_t x = 100;
+    EXPECT_TRUE(fake::eventually([&] {
+        x = static_cast<std::int16_t>(x < 600 ? x + 4 : 100);
+        server.display().movePointer(x, 200);
+        return !cirrane->isRunning();
+    }));
     expectGoodEnd();
 }
 

@@ -8,6 +8,9 @@
 #include <chrono>
 #include <cmath>
 #include <cstdlib>
+#include <iomanip>
+#include <sstream>
+#include <string>
 #include <utility>
 
 namespace hosts {
@@ -44,6 +47,17 @@ bool everyTile(Size size, Predicate predicate) {
         }
     }
     return true;
+}
+
+std::string described(const Picture& picture) {
+    std::ostringstream text;
+    text << picture.size().width << "x" << picture.size().height << ", the brightness of its parts is\n";
+    everyTile(picture.size(), [&](const Place& tile) {
+        text << std::setw(4) << std::lround(picture.part(tile).brightness());
+        text << (tile.x + 2 * tile.size.width > picture.size().width ? "\n" : "");
+        return true;
+    });
+    return text.str();
 }
 
 bool isOfOneColour(const Picture& picture) {
@@ -159,12 +173,17 @@ testing::AssertionResult showsMovingClouds(const TakePicture& take, Size size) {
         return first.size() == size && isFilledWithClouds(first);
     });
     if (!appeared) {
-        return testing::AssertionFailure()
-               << "no clouds of " << size.width << "x" << size.height << " appeared; the picture is "
-               << first.size().width << "x" << first.size().height << ", its brightness " << first.brightness();
+        return testing::AssertionFailure() << "no clouds of " << size.width << "x" << size.height
+                                           << " appeared; this is seen: " << described(first);
     }
-    if (!fake::eventually([&] { return movesEverywhere(first, take()); })) {
-        return testing::AssertionFailure() << "the clouds do not move everywhere";
+    Picture last;
+    const bool moved = fake::eventually([&] {
+        last = take();
+        return movesEverywhere(first, last);
+    });
+    if (!moved) {
+        return testing::AssertionFailure() << "the clouds do not move everywhere; they were first " << described(first)
+                                           << "and last " << described(last);
     }
     return testing::AssertionSuccess();
 }

@@ -83,4 +83,20 @@ void XServer::setMode(Size size) {
     changeMode({"--output", "screen", "--mode", text(size)});
 }
 
+void XServer::waitForWindowManager() {
+    xcb_connection_t* const connection = xcb_connect(nullptr, nullptr);
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+    const xcb_window_t probe = xcb_generate_id(connection);
+    xcb_create_window(connection, XCB_COPY_FROM_PARENT, probe, root, 0, 0, 50, 50, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                      XCB_COPY_FROM_PARENT, 0, nullptr);
+    EXPECT_TRUE(fake::eventually([&] {
+        xcb_map_window(connection, probe);
+        const fake::Reply<xcb_query_tree_reply_t> tree(
+            xcb_query_tree_reply(connection, xcb_query_tree(connection, probe), nullptr));
+        return tree != nullptr && tree->parent != root;  // it has got a frame
+    })) << "no window manager came";
+    xcb_destroy_window(connection, probe);
+    xcb_disconnect(connection);
+}
+
 }  // namespace hosts

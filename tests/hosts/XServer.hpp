@@ -27,6 +27,8 @@ public:
     Picture pictureOf(xcb_window_t window) const;
     /// Changes the monitor's mode, and with it the size of the screen.
     void setMode(Size size);
+    /// A window manager that was started may lose what it is asked for before it is ready: waits until it is.
+    static void waitForWindowManager();
 
 private:
     fake::Process _process;

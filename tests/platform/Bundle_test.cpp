@@ -157,7 +157,9 @@ TEST(Bundle, AProgramFindsItsSaverHoweverItWasStarted) {
     const fake::TemporaryDirectory directory;
     files::create_directories(directory.path() / "A.saver" / "bin");
     files::copy_file(BUNDLE_PROBE_PROGRAM, directory.path() / "A.saver" / "bin" / "probe");
-    const std::string command = "cd '" + directory.path().string() + "/A.saver' && bin/probe";
+    const auto libraries = files::path(BUNDLE_PROBE_PROGRAM).parent_path().parent_path();
+    const std::string command =
+        "cd '" + directory.path().string() + "/A.saver' && LD_LIBRARY_PATH='" + libraries.string() + "' bin/probe";
     std::FILE* const pipe = popen(command.c_str(), "r");
     ASSERT_NE(pipe, nullptr);
     std::array<char, 1000> line{};

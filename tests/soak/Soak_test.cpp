@@ -223,7 +223,6 @@ TEST_P(Soak, InTheSecondAfterAStopNothingIsSubmittedToTheGpu) {
         ASSERT_TRUE(drawFrames(30));
         EXPECT_GT(fake::vulkan::submissions(), 0U);
         view->stopAnimation();
-        ASSERT_TRUE(eventually([&] { return counter->completed == counter->taken; }));
         const std::uint64_t submitted = fake::vulkan::submissions();
         const std::uint64_t taken = counter->taken;
         QElapsedTimer second;

@@ -18,6 +18,7 @@ public:
     explicit Layer(std::shared_ptr<Gpu::State> state) : _state(std::move(state)) {}
 
     std::shared_ptr<gpu::Drawable> lastPresented() const;
+    bool showsFrames() const { return _showsFrames; }
     /// Those in force one after the other, null ones too.
     const std::vector<std::shared_ptr<const gpu::Overlay>>& overlays() const { return _overlays; }
 
@@ -30,7 +31,10 @@ private:
     std::shared_ptr<gpu::Drawable> makeDrawable(const Configuration& configuration) override;
     void presentFinished(std::shared_ptr<gpu::Drawable> drawable) override;
     void changePresentationTarget(gpu::PresentationTarget) override {}
-    void changeOverlay(std::shared_ptr<const gpu::Overlay> overlay) override { _overlays.push_back(std::move(overlay)); }
+    void changeShowsFrames(bool showsFrames) override { _showsFrames = showsFrames; }
+    void changeOverlay(std::shared_ptr<const gpu::Overlay> overlay) override {
+        _overlays.push_back(std::move(overlay));
+    }
     std::vector<std::byte> copyPixels(const gpu::Drawable& drawable) override;
 
     Image* freeImage();
@@ -42,6 +46,7 @@ private:
     mutable std::mutex _presentedMutex;
     std::shared_ptr<gpu::Drawable> _presented;
     std::vector<std::shared_ptr<const gpu::Overlay>> _overlays;
+    bool _showsFrames = true;
 };
 
 }  // namespace fake

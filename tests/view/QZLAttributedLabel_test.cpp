@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QtCore/QElapsedTimer>
 #include <QtGui/QPainter>
+#include <QtWidgets/QApplication>
 
 namespace {
 
@@ -77,10 +79,48 @@ TEST_F(QZLAttributedLabelTest, WrapsAtTheWidthOfItsBound) {
     EXPECT_EQ(pixelsNot(Qt::red, drawn, QRect(72, 0, 128, 100)), 0);
 }
 
+/// Handles events until the condition holds; false when ten seconds pass first.
+template <typename Condition>
+bool eventually(Condition condition) {
+    constexpr int deadline = 10'000;
+    constexpr int slice = 20;
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition() && !timer.hasExpired(deadline)) {
+        QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, slice);
+    }
+    return condition();
+}
+
+/// Counts its paint events.
+class PaintCounter final : public QObject {
+public:
+    bool eventFilter(QObject*, QEvent* event) override {
+        painted += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+    int painted = 0;
+};
+
 TEST_F(QZLAttributedLabelTest, ANewTextIsNotDrawnUnlessAsked) {
+    label.setGeometry(0, 0, 100, 50);
+    QWidget beside(&parent);
+    beside.setGeometry(100, 50, 100, 50);
+    PaintCounter ofLabel;
+    PaintCounter ofBeside;
+    label.installEventFilter(&ofLabel);
+    beside.installEventFilter(&ofBeside);
     parent.show();
-    label.setText(text("cloud"), {0, 0, 200, 100}, 3);
-    EXPECT_FALSE(label.testAttribute(Qt::WA_PendingUpdate));
+    ASSERT_TRUE(eventually([&] { return ofLabel.painted > 0 && ofBeside.painted > 0; }));
+
+    const int before = ofLabel.painted;
+    label.setText(text("cloud"), {0, 0, 100, 50}, 3);
+    ofBeside.painted = 0;
+    beside.update();
+    ASSERT_TRUE(eventually([&] { return ofBeside.painted > 0; }));
+    EXPECT_EQ(ofLabel.painted, before);
+    label.update();
+    EXPECT_TRUE(eventually([&] { return ofLabel.painted > before; }));
 }
 
 }  // namespace

@@ -1,3 +1,4 @@
+#include "tests/support/FakeLayer.hpp"
 #include "tests/view/ViewTest.hpp"
 
 namespace {
@@ -124,6 +125,19 @@ TEST_F(QZLScreenSaverViewDiagnostics, AResizedViewKeepsStripAndFormatAtItsBottom
     EXPECT_EQ(made->diagnosticField()->frame(), (Rect{0, 0, 300, 16}));
     EXPECT_EQ(made->diagnosticField()->geometry(), QRect(0, 1064, 300, 16));
     EXPECT_THAT(made->diagnosticText(), testing::StartsWith("preview "));
+}
+
+TEST_F(QZLScreenSaverViewDiagnostics, AResizedViewShowsItAboveTheFramesAtItsNewPlaceAtOnce) {
+    gpu->setCompletesAtCommit(true);  // the link is a real one here
+    LookedAtView made(QZLMakeRenderer<RecordingRenderer>(), {0, 0, 300, 200}, true);
+    made.setShowDiagnostics(true);
+    made.show();
+    ASSERT_TRUE(eventually([&] { return made.isAnimating(); }));
+    const auto layer = std::dynamic_pointer_cast<fake::Layer>(made.renderer()->layer());
+    made.resize(320, 300);
+    ASSERT_FALSE(layer->overlays().empty());
+    ASSERT_NE(layer->overlays().back(), nullptr);
+    EXPECT_EQ(layer->overlays().back()->y, 284);
 }
 
 TEST_F(QZLScreenSaverViewDiagnostics, AfterAnErrorItCanBeShownAgainAboveTheTextWithoutAnyLoad) {

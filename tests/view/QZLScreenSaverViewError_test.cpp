@@ -43,6 +43,33 @@ TEST_F(QZLScreenSaverViewError, AnErrorWithASubCodeShowsBothNumbers) {
     EXPECT_EQ(shownTexts(*made).back(), "No resources. (303, 1004)");
 }
 
+TEST_F(QZLScreenSaverViewError, WithoutNameAndVersionTheTitleSaysSo) {
+    fake::Bundle nameless{{{"Vistashade", {{"QZL_ERROR_FORMAT_TITLE", "%@, %@\n"}}}},
+                          {{"CFBundleName", ""}, {"CFBundleShortVersionString", ""}}};
+    made->showErrorCode(303, 0);
+    EXPECT_EQ(shownTexts(*made).front(), ", \n");
+}
+
+TEST_F(QZLScreenSaverViewError, ANegativeSubCodeIsShownAsItIs) {
+    made->showErrorCode(303, -6661);
+    EXPECT_EQ(shownTexts(*made).back(), "No resources. (303, -6661)");
+}
+
+TEST_F(QZLScreenSaverViewError, IsInHelveticaWhiteOnRedUnlessASaverSaysOtherwise) {
+    EXPECT_EQ(made->errorFontName(), "Helvetica");
+    EXPECT_EQ(made->errorForeground(), QColor(Qt::white));
+    EXPECT_EQ(made->errorBackground(), QColor(Qt::red));
+    made->setErrorForeground(Qt::green);
+    made->setErrorBackground(QColor(0, 0, 255, 128));
+    made->showErrorCode(303, 0);
+    EXPECT_EQ(made->errorView()->backgroundColor(), QColor(0, 0, 255, 128));
+    EXPECT_FALSE(made->errorView()->isOpaque());
+    for (const auto& part : made->errorView()->text().parts()) {
+        EXPECT_EQ(part.attributes.foreground, QColor(Qt::green));
+        EXPECT_EQ(part.attributes.background, QColor(0, 0, 255, 128));
+    }
+}
+
 TEST_F(QZLScreenSaverViewError, ItIsFinal) {
     gpu->plan().noCommandQueue = true;
     made->startAnimation();

@@ -55,6 +55,14 @@ TEST_F(QZLScreenSaverViewSize, OneThatHasNotStartedIsLeftAlone) {
     EXPECT_FALSE(view->displayLink->exists);
 }
 
+TEST_F(QZLScreenSaverViewSize, OneThatHasComeToAScreenThatDoesNotDrawGoesBlank) {
+    made->startAnimation();
+    view->screen = 1;
+    resizeTo(800, 600);
+    EXPECT_FALSE(made->renderer()->isAttached());
+    EXPECT_EQ(view->layer, nullptr);
+}
+
 TEST_F(QZLScreenSaverViewSize, ANewSizeThatCannotBeDrawnAtShowsTheError) {
     made->startAnimation();
     gpu->plan().noCommandQueue = true;

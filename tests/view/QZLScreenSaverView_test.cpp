@@ -2,6 +2,7 @@
 
 #include "platform/NotificationCenter.hpp"
 #include "settings/QZLNotifications.hpp"
+#include "tests/support/FakeLayer.hpp"
 #include "tests/view/ViewTest.hpp"
 
 #include <new>
@@ -212,6 +213,19 @@ TEST_F(QZLScreenSaverViewTest, APreviewThatWasHiddenMeanwhileDoesNotStart) {
     preview->hide();
     QApplication::processEvents();
     EXPECT_FALSE(preview->isAnimating());
+}
+
+TEST_F(QZLScreenSaverViewTest, AStoppedViewShowsNoMoreFramesUntilItStartsAgain) {
+    gpu->setCompletesAtCommit(true);  // the link is a real one here
+    LookedAtView made(QZLMakeRenderer<RecordingRenderer>(), {0, 0, 64, 48}, true);
+    made.startAnimation();
+    const auto layer = std::dynamic_pointer_cast<fake::Layer>(made.renderer()->layer());
+    ASSERT_NE(layer, nullptr);
+    EXPECT_TRUE(layer->showsFrames());
+    made.stopAnimation();
+    EXPECT_FALSE(layer->showsFrames());
+    made.startAnimation();
+    EXPECT_TRUE(layer->showsFrames());
 }
 
 TEST_F(QZLScreenSaverViewTest, AViewWithoutARendererIsLeftAlone) {

@@ -66,15 +66,14 @@ struct CanPresent {
     bool operator()(const XcbServer& server) const {
         return candidate.hasSwapchain && server.connection != nullptr &&
                candidate.device.getDispatcher()->vkGetPhysicalDeviceXcbPresentationSupportKHR != nullptr &&
-               candidate.device.getXcbPresentationSupportKHR(candidate.queueFamily,
-                                                             *static_cast<xcb_connection_t*>(server.connection),
-                                                             server.visual) == VK_TRUE;
+               candidate.device.getXcbPresentationSupportKHR(
+                   candidate.queueFamily, *static_cast<xcb_connection_t*>(server.connection), server.visual) == VK_TRUE;
     }
     bool operator()(const WaylandServer& server) const {
         return candidate.hasSwapchain && server.display != nullptr &&
                candidate.device.getDispatcher()->vkGetPhysicalDeviceWaylandPresentationSupportKHR != nullptr &&
-               candidate.device.getWaylandPresentationSupportKHR(
-                   candidate.queueFamily, *static_cast<wl_display*>(server.display)) == VK_TRUE;
+               candidate.device.getWaylandPresentationSupportKHR(candidate.queueFamily,
+                                                                 *static_cast<wl_display*>(server.display)) == VK_TRUE;
     }
 };
 
@@ -136,7 +135,8 @@ std::vector<DeviceCandidate> findDevices(const VulkanInstance& instance) {
         if (queueFamily.has_value() && properties.apiVersion >= VK_API_VERSION_1_1) {
             const bool hasAllFeatures =
                 properties.apiVersion >= VK_API_VERSION_1_3 && offersFeatures(device) && offersFormats(device);
-            const bool hasSwapchain = (instance.hasXcbSurfaces() || instance.hasWaylandSurfaces()) && offersSwapchain(device);
+            const bool hasSwapchain =
+                (instance.hasXcbSurfaces() || instance.hasWaylandSurfaces()) && offersSwapchain(device);
             candidates.push_back({std::move(device), properties, *queueFamily, hasAllFeatures, hasSwapchain});
         }
     }
@@ -148,7 +148,8 @@ std::optional<DeviceCandidate> chooseDevice(std::vector<DeviceCandidate> candida
     for (std::size_t i = 0; i < candidates.size(); ++i) {
         DeviceCandidate& candidate = candidates[i];
         const bool wanted = options.device.empty() || isNamed(candidate, i, options.device);
-        if (wanted && std::visit(CanPresent{candidate}, options.presentation) && (best == nullptr || isWorse(*best, candidate))) {
+        if (wanted && std::visit(CanPresent{candidate}, options.presentation) &&
+            (best == nullptr || isWorse(*best, candidate))) {
             best = &candidate;
         }
     }

@@ -67,17 +67,12 @@ struct VulkanInstance::Extensions {
 
 VulkanInstance::Extensions::Extensions(const VulkanOptions& options) {
     const auto offered = loader()->enumerateInstanceExtensionProperties();
-    if (contains(offered, VK_KHR_SURFACE_EXTENSION_NAME)) {
-        names.push_back(VK_KHR_SURFACE_EXTENSION_NAME);
-        const auto takeIfOffered = [&](const char* name) {
-            const bool isOffered = contains(offered, name);
-            names.insert(names.end(), isOffered ? 1 : 0, name);
-            return isOffered;
-        };
-        xcbSurfaces = takeIfOffered(VK_KHR_XCB_SURFACE_EXTENSION_NAME);
-        // Whoever asks for it makes a layer of Mesa's look for a compositor, and complain when there is none.
-        const auto* wayland = std::get_if<WaylandServer>(&options.presentation);
-        waylandSurfaces = wayland != nullptr && takeIfOffered(VK_KHR_WAYLAND_SURFACE_EXTENSION_NAME);
+    // Only what is needed: asked for Wayland surfaces, drivers look for a compositor, and complain where there is none.
+    const bool onWayland = std::holds_alternative<WaylandServer>(options.presentation);
+    const char* const surfaces = onWayland ? VK_KHR_WAYLAND_SURFACE_EXTENSION_NAME : VK_KHR_XCB_SURFACE_EXTENSION_NAME;
+    if (contains(offered, VK_KHR_SURFACE_EXTENSION_NAME) && contains(offered, surfaces)) {
+        names.insert(names.end(), {VK_KHR_SURFACE_EXTENSION_NAME, surfaces});
+        (onWayland ? waylandSurfaces : xcbSurfaces) = true;
     }
     debugNames = contains(offered, VK_EXT_DEBUG_UTILS_EXTENSION_NAME);
     if (options.validate) {

@@ -29,9 +29,9 @@ public:
     VulkanInstance& operator=(const VulkanInstance&) = delete;
 
     const vk::raii::Instance& handle() const { return _instance; }
-    /// True when windows of an X server can be presented to.
+    /// True when windows of an X server can be presented to. Never where the options ask for a Wayland compositor.
     bool hasXcbSurfaces() const { return _hasXcbSurfaces; }
-    /// True when surfaces of a Wayland compositor can be presented to.
+    /// True when surfaces of a Wayland compositor can be presented to. Only where the options ask for one.
     bool hasWaylandSurfaces() const { return _hasWaylandSurfaces; }
     /// True when objects and commands can be given names for debuggers.
     bool hasDebugNames() const { return _hasDebugNames; }

@@ -77,7 +77,7 @@ bool VulkanLayer::dropWaitingFrame() {
 
 void VulkanLayer::presentFinished(std::shared_ptr<Drawable> drawable) {
     const std::lock_guard lock(_presenterMutex);
-    if (_presenter != nullptr) {
+    if (_presenter != nullptr && _showsFrames) {
         _presenter->show(std::move(drawable));
     }
 }
@@ -95,6 +95,19 @@ void VulkanLayer::changePresentationTarget(PresentationTarget target) {
     presenter.swap(_presenter);
     if (_presenter != nullptr) {
         _presenter->setOverlay(_overlay);
+    }
+}
+
+void VulkanLayer::changeShowsFrames(bool showsFrames) {
+    const std::lock_guard changing(_targetMutex);  // the presenter stays
+    VulkanPresenter* presenter = nullptr;
+    {
+        const std::lock_guard lock(_presenterMutex);
+        _showsFrames = showsFrames;
+        presenter = _presenter.get();
+    }
+    if (!showsFrames && presenter != nullptr) {
+        presenter->settle();
     }
 }
 

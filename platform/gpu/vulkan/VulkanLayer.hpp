@@ -25,6 +25,7 @@ private:
     std::shared_ptr<Drawable> makeDrawable(const Configuration& configuration) override;
     void presentFinished(std::shared_ptr<Drawable> drawable) override;
     void changePresentationTarget(PresentationTarget target) override;
+    void changeShowsFrames(bool showsFrames) override;
     void changeOverlay(std::shared_ptr<const Overlay> overlay) override;
     std::vector<std::byte> copyPixels(const Drawable& drawable) override;
 
@@ -38,6 +39,7 @@ private:
     std::mutex _targetMutex;  ///< held while the target changes, which may take the presenter some time
     std::mutex _presenterMutex;
     std::unique_ptr<VulkanPresenter> _presenter;
+    bool _showsFrames = true;
     std::shared_ptr<const Overlay> _overlay;
 };
 

@@ -17,11 +17,11 @@ namespace gpu::vulkan {
 
 /// What the thread works on. It holds this itself, so that it can be left behind.
 struct VulkanPresenter::Work {
-    explicit Work(PresentationTarget presentationTarget)
-        : target(std::move(presentationTarget)) {}
+    explicit Work(PresentationTarget presentationTarget) : target(std::move(presentationTarget)) {}
 
     void run() noexcept;
     std::shared_ptr<Drawable> waitForFrame();
+    void noteShown();
     ShowResult show(const Drawable& drawable);
     ShowResult showInWindow(const VulkanTexture& picture);
     std::shared_ptr<const Overlay> currentOverlay();
@@ -38,12 +38,15 @@ struct VulkanPresenter::Work {
     std::shared_ptr<Drawable> waiting;
     std::shared_ptr<const Overlay> overlay;
     bool open = true;  ///< takes frames
+    bool showing = false;
     bool ended = false;
 };
 
 void VulkanPresenter::Work::run() noexcept {
     while (const std::shared_ptr<Drawable> drawable = waitForFrame()) {
-        if (show(*drawable) == ShowResult::WindowGone) {
+        const ShowResult result = show(*drawable);
+        noteShown();
+        if (result == ShowResult::WindowGone) {
             platform::systemLog("gpu: a window has gone; its frames are no longer shown");
             break;
         }
@@ -60,7 +63,14 @@ void VulkanPresenter::Work::run() noexcept {
 std::shared_ptr<Drawable> VulkanPresenter::Work::waitForFrame() {
     std::unique_lock lock(mutex);
     changed.wait(lock, [this] { return waiting != nullptr || !open; });
+    showing = open;
     return open ? std::exchange(waiting, nullptr) : nullptr;
+}
+
+void VulkanPresenter::Work::noteShown() {
+    const std::lock_guard lock(mutex);
+    showing = false;
+    changed.notify_all();
 }
 
 ShowResult VulkanPresenter::Work::show(const Drawable& drawable) {
@@ -147,6 +157,14 @@ void VulkanPresenter::show(std::shared_ptr<Drawable> drawable) {
         _work->waiting.swap(drawable);
         _work->changed.notify_all();
     }
+}
+
+void VulkanPresenter::settle() {
+    constexpr std::chrono::milliseconds settlingPatience{100};
+    std::shared_ptr<Drawable> unshown;
+    std::unique_lock lock(_work->mutex);
+    unshown.swap(_work->waiting);
+    _work->changed.wait_for(lock, settlingPatience, [this] { return !_work->showing; });
 }
 
 void VulkanPresenter::setOverlay(std::shared_ptr<const Overlay> overlay) {

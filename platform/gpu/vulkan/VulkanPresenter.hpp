@@ -29,6 +29,10 @@ public:
     /// Lies over the frames shown from now on; null for nothing. Any thread.
     void setOverlay(std::shared_ptr<const Overlay> overlay);
 
+    /// Gives up the frame that waits, and returns when none is being shown; after a while also when the window is
+    /// stuck.
+    void settle();
+
     /// Gives up the frame that waits if nobody but the presenter holds it. False when there is none such.
     bool dropWaitingFrame();
 

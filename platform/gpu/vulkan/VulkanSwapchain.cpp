@@ -62,10 +62,14 @@ VulkanSwapchain::VulkanSwapchain(std::shared_ptr<VulkanDevice> device, Presentat
       _commands(_device->makeCommands()),
       _acquired(_device->handle(), vk::FenceCreateInfo{}),
       _copied(_device->handle(), vk::FenceCreateInfo{}),
-      _presentMode(choosePresentMode(*_device, _surface)) {}
+      _presentMode(choosePresentMode(*_device, _surface)),
+      _painter(*_device) {}
 
-ShowResult VulkanSwapchain::show(const VulkanTexture& picture, const std::shared_ptr<const Overlay>&,
+ShowResult VulkanSwapchain::show(const VulkanTexture& picture, const std::shared_ptr<const Overlay>& overlay,
                                  const std::function<void()>& willPresent) {
+    if (overlay != nullptr && !std::exchange(_wantsOverlays, true)) {
+        _outdated = true;
+    }
     std::optional<std::uint32_t> index = followWindow(picture) ? acquire() : std::nullopt;
     if (!index.has_value() && _outdated && followWindow(picture)) {
         index = acquire();
@@ -73,7 +77,7 @@ ShowResult VulkanSwapchain::show(const VulkanTexture& picture, const std::shared
     if (!index.has_value()) {
         return ShowResult::Skipped;
     }
-    copy(picture, *index);
+    draw(picture, prepareOverlay(overlay), *index);
     willPresent();
     return present(*index);
 }
@@ -93,30 +97,58 @@ bool VulkanSwapchain::followWindow(const VulkanTexture& picture) {
 
 void VulkanSwapchain::build(const vk::SurfaceCapabilitiesKHR& capabilities, vk::Extent2D size,
                             vk::Format pictureFormat) {
+    _views.clear();
     const vk::raii::SwapchainKHR former = std::exchange(_swapchain, nullptr);
     _outdated = true;  // until it has come through
     _format = chooseFormat(*_device, _surface, pictureFormat);
-    _swapchain = vk::raii::SwapchainKHR(_device->handle(),
-                                        vk::SwapchainCreateInfoKHR{.surface = *_surface,
-                                                                   .minImageCount = chooseImageCount(capabilities),
-                                                                   .imageFormat = _format.format,
-                                                                   .imageColorSpace = _format.colorSpace,
-                                                                   .imageExtent = size,
-                                                                   .imageArrayLayers = 1,
-                                                                   .imageUsage = vk::ImageUsageFlagBits::eTransferDst,
-                                                                   .imageSharingMode = vk::SharingMode::eExclusive,
-                                                                   .preTransform = capabilities.currentTransform,
-                                                                   .compositeAlpha = chooseAlpha(capabilities),
-                                                                   .presentMode = _presentMode,
-                                                                   .clipped = VK_TRUE,
-                                                                   .oldSwapchain = *former});
+    const bool paintable = _wantsOverlays && VulkanOverlayPainter::canPaintOn(*_device, _format.format);
+    const vk::ImageUsageFlags painting = paintable ? vk::ImageUsageFlagBits::eColorAttachment : vk::ImageUsageFlags();
+    _swapchain = vk::raii::SwapchainKHR(
+        _device->handle(), vk::SwapchainCreateInfoKHR{.surface = *_surface,
+                                                      .minImageCount = chooseImageCount(capabilities),
+                                                      .imageFormat = _format.format,
+                                                      .imageColorSpace = _format.colorSpace,
+                                                      .imageExtent = size,
+                                                      .imageArrayLayers = 1,
+                                                      .imageUsage = vk::ImageUsageFlagBits::eTransferDst | painting,
+                                                      .imageSharingMode = vk::SharingMode::eExclusive,
+                                                      .preTransform = capabilities.currentTransform,
+                                                      .compositeAlpha = chooseAlpha(capabilities),
+                                                      .presentMode = _presentMode,
+                                                      .clipped = VK_TRUE,
+                                                      .oldSwapchain = *former});
     _images.clear();
     for (const VkImage image : _swapchain.getImages()) {
         _images.emplace_back(image);
     }
+    if (paintable && !_device->attempt("no overlays can be shown in a window", [this] { return makeViews(); })) {
+        _views.clear();
+    }
     _size = size;
     _outdated = false;
     _hasPresented = false;
+}
+
+bool VulkanSwapchain::makeViews() {
+    for (const vk::Image image : _images) {
+        _views.emplace_back(_device->handle(), vk::ImageViewCreateInfo{.image = image,
+                                                                       .viewType = vk::ImageViewType::e2D,
+                                                                       .format = _format.format,
+                                                                       .subresourceRange = wholeColorImage});
+    }
+    return true;
+}
+
+bool VulkanSwapchain::prepareOverlay(const std::shared_ptr<const Overlay>& overlay) {
+    if (overlay == nullptr || _views.empty() || overlay == _unpaintable) {
+        return false;
+    }
+    const bool isReady = _device->attempt("an overlay could not be shown", [&] {
+        _painter.prepare(overlay, _format.format);
+        return true;
+    });
+    _unpaintable = isReady ? nullptr : overlay;
+    return isReady;
 }
 
 /// Nothing when the window system has no image to give just now.
@@ -138,22 +170,29 @@ std::optional<std::uint32_t> VulkanSwapchain::acquire() {
     }
 }
 
-void VulkanSwapchain::copy(const VulkanTexture& picture, std::uint32_t index) {
+/// All that happens to a picture on its way into the window.
+void VulkanSwapchain::draw(const VulkanTexture& picture, bool paintsOverlay, std::uint32_t index) {
+    const vk::Image image = _images[index];
     _commands.pool.reset();
     _commands.buffer.begin({.flags = vk::CommandBufferUsageFlagBits::eOneTimeSubmit});
-    record(picture, _images[index]);
+    recordBarriers(_commands.buffer, imageBarrier(image, use::undefined, use::copyDestination));
+    recordCopy(picture, image);
+    if (paintsOverlay) {
+        recordBarriers(_commands.buffer, imageBarrier(image, use::copyDestination, use::colorTarget));
+        _painter.record(_commands.buffer, *_views[index], _size);
+    }
+    recordBarriers(_commands.buffer,
+                   imageBarrier(image, paintsOverlay ? use::colorTarget : use::copyDestination, shownInWindow));
     _commands.buffer.end();
     const vk::CommandBufferSubmitInfo commands{.commandBuffer = *_commands.buffer};
     _device->submit({.commandBufferInfoCount = 1, .pCommandBufferInfos = &commands}, *_copied);
     waitAndReset(_copied);
 }
 
-/// All that happens to a picture on its way into the window.
-void VulkanSwapchain::record(const VulkanTexture& picture, vk::Image destination) const {
+void VulkanSwapchain::recordCopy(const VulkanTexture& picture, vk::Image destination) const {
     constexpr vk::ImageLayout from = vk::ImageLayout::eTransferSrcOptimal;
     constexpr vk::ImageLayout to = vk::ImageLayout::eTransferDstOptimal;
     const vk::raii::CommandBuffer& commands = _commands.buffer;
-    recordBarriers(commands, imageBarrier(destination, use::undefined, use::copyDestination));
     if (picture.extent() == _size && picture.format() == _format.format) {
         const vk::ImageCopy whole{
             .srcSubresource = colorLayers(), .dstSubresource = colorLayers(), .extent = {_size.width, _size.height, 1}};
@@ -165,7 +204,6 @@ void VulkanSwapchain::record(const VulkanTexture& picture, vk::Image destination
                                       .dstOffsets = corners(_size)};
         commands.blitImage(picture.image(), from, destination, to, stretched, vk::Filter::eLinear);
     }
-    recordBarriers(commands, imageBarrier(destination, use::copyDestination, shownInWindow));
 }
 
 ShowResult VulkanSwapchain::present(std::uint32_t index) {

@@ -3,6 +3,7 @@
 #include "platform/gpu/Layer.hpp"
 #include "platform/gpu/vulkan/Vulkan.hpp"
 #include "platform/gpu/vulkan/VulkanDevice.hpp"
+#include "platform/gpu/vulkan/VulkanOverlayPainter.hpp"
 #include "platform/gpu/vulkan/VulkanTexture.hpp"
 
 #include <chrono>
@@ -35,8 +36,8 @@ public:
 
     const VulkanDevice& device() const { return *_device; }
 
-    /// Copies the picture, which is at rest, and presents it, calling `willPresent` in between. Throws like the
-    /// constructor.
+    /// Copies the picture, which is at rest, paints the overlay, if any, over the copy, and presents it, calling
+    /// `willPresent` before. An overlay that cannot be painted is left out. Throws like the constructor.
     ShowResult show(const VulkanTexture& picture, const std::shared_ptr<const Overlay>& overlay,
                     const std::function<void()>& willPresent);
 
@@ -46,9 +47,11 @@ private:
 
     bool followWindow(const VulkanTexture& picture);
     void build(const vk::SurfaceCapabilitiesKHR& capabilities, vk::Extent2D size, vk::Format pictureFormat);
+    bool makeViews();
+    bool prepareOverlay(const std::shared_ptr<const Overlay>& overlay);
     std::optional<std::uint32_t> acquire();
-    void copy(const VulkanTexture& picture, std::uint32_t index);
-    void record(const VulkanTexture& picture, vk::Image destination) const;
+    void draw(const VulkanTexture& picture, bool paintsOverlay, std::uint32_t index);
+    void recordCopy(const VulkanTexture& picture, vk::Image destination) const;
     ShowResult present(std::uint32_t index);
     void noteSuboptimal();
     void waitAndReset(const vk::raii::Fence& fence) const;
@@ -63,10 +66,15 @@ private:
 
     vk::raii::SwapchainKHR _swapchain = nullptr;
     std::vector<vk::Image> _images;
+    std::vector<vk::raii::ImageView> _views;  ///< none where no overlay can be painted
     vk::Extent2D _size;
     vk::SurfaceFormatKHR _format;
     bool _outdated = true;
+    bool _wantsOverlays = false;  ///< until then images are merely copied to
     bool _hasPresented = false;
+
+    VulkanOverlayPainter _painter;
+    std::shared_ptr<const Overlay> _unpaintable;  ///< that failed, so as not to try again for every frame
 };
 
 }  // namespace gpu::vulkan

@@ -31,9 +31,6 @@ const ImageUse copyDestination{
 
 namespace {
 
-constexpr vk::ImageSubresourceRange wholeImage{
-    .aspectMask = vk::ImageAspectFlagBits::eColor, .levelCount = 1, .layerCount = 1};
-
 constexpr vk::AccessFlags2 writes = vk::AccessFlagBits2::eShaderStorageWrite |
                                     vk::AccessFlagBits2::eColorAttachmentWrite | vk::AccessFlagBits2::eTransferWrite;
 
@@ -93,7 +90,7 @@ VulkanTexture::VulkanTexture(const std::shared_ptr<VulkanDevice>& device, const 
         _view = vk::raii::ImageView(device->handle(), vk::ImageViewCreateInfo{.image = *_image,
                                                                               .viewType = vk::ImageViewType::e2D,
                                                                               .format = _format,
-                                                                              .subresourceRange = wholeImage});
+                                                                              .subresourceRange = wholeColorImage});
     }
     clear();
 }
@@ -101,7 +98,7 @@ VulkanTexture::VulkanTexture(const std::shared_ptr<VulkanDevice>& device, const 
 void VulkanTexture::clear() {
     vulkanDevice().runAndWait([this](const vk::raii::CommandBuffer& commands) {
         recordBarriers(commands, imageBarrier(image(), use::undefined, use::copyDestination));
-        commands.clearColorImage(image(), use::copyDestination.layout, vk::ClearColorValue(), wholeImage);
+        commands.clearColorImage(image(), use::copyDestination.layout, vk::ClearColorValue(), wholeColorImage);
         recordBarriers(commands, imageBarrier(image(), use::copyDestination, _rest));
     });
 }
@@ -144,7 +141,7 @@ vk::ImageMemoryBarrier2 imageBarrier(vk::Image image, const ImageUse& from, cons
             .srcQueueFamilyIndex = VK_QUEUE_FAMILY_IGNORED,
             .dstQueueFamilyIndex = VK_QUEUE_FAMILY_IGNORED,
             .image = image,
-            .subresourceRange = wholeImage};
+            .subresourceRange = wholeColorImage};
 }
 
 vk::ImageSubresourceLayers colorLayers() {

@@ -63,6 +63,10 @@ private:
     vk::raii::ImageView _view = nullptr;
 };
 
+/// The one level and slice that images have here.
+inline constexpr vk::ImageSubresourceRange wholeColorImage{
+    .aspectMask = vk::ImageAspectFlagBits::eColor, .levelCount = 1, .layerCount = 1};
+
 /// What makes `to` wait for `from` and moves the one level of `image` between their layouts. With `from` undefined in
 /// layout the former pixels are dropped.
 vk::ImageMemoryBarrier2 imageBarrier(vk::Image image, const ImageUse& from, const ImageUse& to);

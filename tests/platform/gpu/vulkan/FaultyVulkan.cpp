@@ -8,6 +8,7 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string_view>
 
 // All that the backend calls and that can fail. What is of presentation ends in KHR.
@@ -57,6 +58,21 @@
 
 namespace {
 
+bool isOfDescriptorsOrPipelines(std::string_view function) {
+    static const std::set<std::string_view> functions{"vkAllocateDescriptorSets",    "vkCreateDescriptorPool",
+                                                      "vkCreateDescriptorSetLayout", "vkCreateGraphicsPipelines",
+                                                      "vkCreatePipelineLayout",      "vkCreateShaderModule"};
+    return functions.contains(function);
+}
+
+bool areCounted(fake::vulkan::Calls calls, std::string_view function) {
+    switch (calls) {
+        case fake::vulkan::Calls::OfPresentation: return function.ends_with("KHR");
+        case fake::vulkan::Calls::OfDescriptorsAndPipelines: return isOfDescriptorsOrPipelines(function);
+        default: return true;
+    }
+}
+
 /// The plan in force.
 class Plan {
 public:
@@ -73,8 +89,7 @@ public:
         const std::lock_guard lock(_mutex);
         const std::string_view name = function;
         _submissions += name == "vkQueueSubmit2" || name == "vkQueuePresentKHR" ? 1 : 0;
-        const bool isCounted = _counted == fake::vulkan::Calls::All || name.ends_with("KHR");
-        if (!isCounted || _calls++ != _failingCall) {
+        if (!areCounted(_counted, name) || _calls++ != _failingCall) {
             return std::nullopt;
         }
         _failed = function;

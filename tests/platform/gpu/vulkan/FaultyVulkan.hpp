@@ -16,7 +16,7 @@ enum class Failure : std::int32_t {
     OutOfDate = -1000001004,
 };
 
-enum class Calls { All, OfPresentation };
+enum class Calls { All, OfPresentation, OfDescriptorsAndPipelines };
 
 /// From now on counts such calls anew, and makes the one of that number, 0 being the next, fail without reaching the
 /// driver.
