@@ -11,9 +11,13 @@ namespace {
 constexpr vk::ImageSubresourceRange wholeImage{
     .aspectMask = vk::ImageAspectFlagBits::eColor, .levelCount = 1, .layerCount = 1};
 
-vk::raii::Instance makeInstance(const vk::raii::Context& context) {
+using Names = std::vector<const char*>;
+
+vk::raii::Instance makeInstance(const vk::raii::Context& context, const Names& extensions) {
     const vk::ApplicationInfo application{.apiVersion = VK_API_VERSION_1_3};
-    return {context, vk::InstanceCreateInfo{.pApplicationInfo = &application}};
+    return {context, vk::InstanceCreateInfo{.pApplicationInfo = &application,
+                                            .enabledExtensionCount = static_cast<std::uint32_t>(extensions.size()),
+                                            .ppEnabledExtensionNames = extensions.data()}};
 }
 
 vk::raii::PhysicalDevice choose(const vk::raii::Instance& instance, const std::string& name) {
@@ -33,22 +37,35 @@ std::uint32_t drawingQueueFamily(const vk::raii::PhysicalDevice& device) {
     return static_cast<std::uint32_t>(std::find_if(families.begin(), families.end(), draws) - families.begin());
 }
 
-vk::raii::Device makeDevice(const vk::raii::PhysicalDevice& physicalDevice, std::uint32_t family) {
+vk::raii::Device makeDevice(const vk::raii::PhysicalDevice& physicalDevice, std::uint32_t family,
+                            const Names& extensions) {
     const float priority = 1.0F;
     const vk::DeviceQueueCreateInfo queue{.queueFamilyIndex = family, .queueCount = 1, .pQueuePriorities = &priority};
     vk::PhysicalDeviceVulkan13Features newest{.synchronization2 = VK_TRUE, .dynamicRendering = VK_TRUE};
     const vk::PhysicalDeviceVulkan12Features newer{.pNext = &newest, .timelineSemaphore = VK_TRUE};
-    return {physicalDevice,
-            vk::DeviceCreateInfo{.pNext = &newer, .queueCreateInfoCount = 1, .pQueueCreateInfos = &queue}};
+    return {physicalDevice, vk::DeviceCreateInfo{.pNext = &newer,
+                                                 .queueCreateInfoCount = 1,
+                                                 .pQueueCreateInfos = &queue,
+                                                 .enabledExtensionCount = static_cast<std::uint32_t>(extensions.size()),
+                                                 .ppEnabledExtensionNames = extensions.data()}};
+}
+
+Names instanceExtensions(BareUseOfWindows windows) {
+    return windows == BareUseOfWindows::X11 ? Names{VK_KHR_SURFACE_EXTENSION_NAME, VK_KHR_XCB_SURFACE_EXTENSION_NAME}
+                                            : Names{};
+}
+
+Names deviceExtensions(BareUseOfWindows windows) {
+    return windows == BareUseOfWindows::X11 ? Names{VK_KHR_SWAPCHAIN_EXTENSION_NAME} : Names{};
 }
 
 }  // namespace
 
-BareDevice::BareDevice(const std::string& name)
-    : _instance(makeInstance(_context)),
+BareDevice::BareDevice(const std::string& name, BareUseOfWindows windows)
+    : _instance(makeInstance(_context, instanceExtensions(windows))),
       _physicalDevice(choose(_instance, name)),
       _queueFamily(drawingQueueFamily(_physicalDevice)),
-      _device(makeDevice(_physicalDevice, _queueFamily)),
+      _device(makeDevice(_physicalDevice, _queueFamily, deviceExtensions(windows))),
       _queue(_device, _queueFamily, 0) {}
 
 vk::raii::DeviceMemory BareDevice::allocate(const vk::MemoryRequirements& requirements,
@@ -74,11 +91,14 @@ BareImage BareDevice::makeImage(vk::Format format, Size size, vk::ImageUsageFlag
                                                               .usage = usage});
     made.memory = allocate(made.image.getMemoryRequirements(), vk::MemoryPropertyFlagBits::eDeviceLocal);
     made.image.bindMemory(*made.memory, 0);
-    made.view = vk::raii::ImageView(_device, vk::ImageViewCreateInfo{.image = *made.image,
-                                                                     .viewType = vk::ImageViewType::e2D,
-                                                                     .format = format,
-                                                                     .subresourceRange = wholeImage});
+    made.view = makeView(*made.image, format);
     return made;
+}
+
+vk::raii::ImageView BareDevice::makeView(vk::Image image, vk::Format format) const {
+    return {_device,
+            vk::ImageViewCreateInfo{
+                .image = image, .viewType = vk::ImageViewType::e2D, .format = format, .subresourceRange = wholeImage}};
 }
 
 BareBuffer BareDevice::makeBuffer(std::size_t length, vk::BufferUsageFlags usage) const {
@@ -110,12 +130,13 @@ const BareUse colorTarget{vk::ImageLayout::eColorAttachmentOptimal, vk::Pipeline
                           vk::AccessFlagBits2::eColorAttachmentWrite};
 const BareUse sampledByFragments{vk::ImageLayout::eShaderReadOnlyOptimal, vk::PipelineStageFlagBits2::eFragmentShader,
                                  vk::AccessFlagBits2::eShaderSampledRead};
+const BareUse shown{vk::ImageLayout::ePresentSrcKHR, vk::PipelineStageFlagBits2::eNone, {}};
 const BareUse copySource{vk::ImageLayout::eTransferSrcOptimal, vk::PipelineStageFlagBits2::eAllTransfer,
                          vk::AccessFlagBits2::eTransferRead};
 const BareUse copyDestination{vk::ImageLayout::eTransferDstOptimal, vk::PipelineStageFlagBits2::eAllTransfer,
                               vk::AccessFlagBits2::eTransferWrite};
 
-vk::ImageMemoryBarrier2 barrier(const BareImage& image, const BareUse& from, const BareUse& to) {
+vk::ImageMemoryBarrier2 barrier(vk::Image image, const BareUse& from, const BareUse& to) {
     return {.srcStageMask = from.stages,
             .srcAccessMask = from.access,
             .dstStageMask = to.stages,
@@ -124,7 +145,7 @@ vk::ImageMemoryBarrier2 barrier(const BareImage& image, const BareUse& from, con
             .newLayout = to.layout,
             .srcQueueFamilyIndex = VK_QUEUE_FAMILY_IGNORED,
             .dstQueueFamilyIndex = VK_QUEUE_FAMILY_IGNORED,
-            .image = *image.image,
+            .image = image,
             .subresourceRange = wholeImage};
 }
 

@@ -22,17 +22,22 @@ struct BareBuffer {
     std::byte* contents = nullptr;
 };
 
+enum class BareUseOfWindows { None, X11 };
+
 /// A Vulkan device with one queue, as plain as can be. Throws what Vulkan-Hpp throws.
 class BareDevice {
 public:
     /// The device of that name.
-    explicit BareDevice(const std::string& name);
+    BareDevice(const std::string& name, BareUseOfWindows windows);
 
+    const vk::raii::Instance& instance() const { return _instance; }
+    const vk::raii::PhysicalDevice& physicalDevice() const { return _physicalDevice; }
     const vk::raii::Device& handle() const { return _device; }
     const vk::raii::Queue& queue() const { return _queue; }
     std::uint32_t queueFamily() const { return _queueFamily; }
 
     BareImage makeImage(vk::Format format, Size size, vk::ImageUsageFlags usage) const;
+    vk::raii::ImageView makeView(vk::Image image, vk::Format format) const;
     BareBuffer makeBuffer(std::size_t length, vk::BufferUsageFlags usage) const;
     void runAndWait(const std::function<void(const vk::raii::CommandBuffer&)>& record) const;
 
@@ -56,9 +61,10 @@ struct BareUse {
 extern const BareUse nothing;
 extern const BareUse colorTarget;
 extern const BareUse sampledByFragments;
+extern const BareUse shown;
 extern const BareUse copySource;
 extern const BareUse copyDestination;
 
-vk::ImageMemoryBarrier2 barrier(const BareImage& image, const BareUse& from, const BareUse& to);
+vk::ImageMemoryBarrier2 barrier(vk::Image image, const BareUse& from, const BareUse& to);
 
 }  // namespace bench

@@ -5,8 +5,11 @@
 //        frame_loop_benchmark --device                           prints the name of the device that is measured
 //        frame_loop_benchmark --loop framework WIDTHxHEIGHT FRAMES          one loop alone, for profilers and its start
 //        frame_loop_benchmark --loop bare WIDTHxHEIGHT FRAMES DEVICE
+//        frame_loop_benchmark --window bare WIDTHxHEIGHT DEVICE             the bare loop in an X11 window, until
+//        killed
 #include "benchmarks/frameloop/Allocations.hpp"
 #include "benchmarks/frameloop/BareLoop.hpp"
+#include "benchmarks/frameloop/BareWindow.hpp"
 #include "benchmarks/frameloop/FrameworkLoop.hpp"
 #include "host/ModuleLoader.hpp"
 #include "platform/Clock.hpp"
@@ -192,6 +195,10 @@ int runAlone(bench::Loop& loop, std::size_t frames) {
     return 0;
 }
 
+bool parse(const std::string& text, bench::Size& size) {
+    return std::sscanf(text.c_str(), "%ux%u", &size.width, &size.height) == 2;
+}
+
 int run(const std::vector<std::string>& arguments) {
     if (arguments.empty()) {
         return measure(7);
@@ -205,8 +212,7 @@ int run(const std::vector<std::string>& arguments) {
         return 0;
     }
     bench::Size size;
-    if (arguments.size() >= 4 && arguments[0] == "--loop" &&
-        std::sscanf(arguments[2].c_str(), "%ux%u", &size.width, &size.height) == 2) {
+    if (arguments.size() >= 4 && arguments[0] == "--loop" && parse(arguments[2], size)) {
         if (arguments[1] == "framework" && arguments.size() == 4) {
             bench::FrameworkLoop loop(prepareFramework(), size);
             return runAlone(loop, std::stoul(arguments[3]));
@@ -215,6 +221,9 @@ int run(const std::vector<std::string>& arguments) {
             bench::BareLoop loop(arguments[4], shaderLibrary(), size);
             return runAlone(loop, std::stoul(arguments[3]));
         }
+    }
+    if (arguments.size() == 4 && arguments[0] == "--window" && arguments[1] == "bare" && parse(arguments[2], size)) {
+        bench::runBareWindow(arguments[3], shaderLibrary(), size);
     }
     std::fprintf(stderr, "usage: frame_loop_benchmark [--rounds N]\n");
     return 2;
