@@ -54,6 +54,11 @@ void LayerPainter::draw(std::uint32_t color) {
     ASSERT_TRUE(completed.wait());
 }
 
+void LayerPainter::forgetMessage(const std::string& message) {
+    const std::lock_guard lock(_mutex);
+    std::erase(_messages, message);
+}
+
 std::vector<std::string> LayerPainter::messages() const {
     const std::lock_guard lock(_mutex);
     return _messages;

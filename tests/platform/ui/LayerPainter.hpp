@@ -27,6 +27,8 @@ public:
     void draw(std::uint32_t color);
 
     std::vector<std::string> messages() const;
+    /// That one may come; it is no failure.
+    void forgetMessage(const std::string& message);
 
 private:
     mutable std::mutex _mutex;
