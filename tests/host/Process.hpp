@@ -26,6 +26,7 @@ public:
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
 
+    pid_t identifier() const { return _pid; }
     void sendSignal(int signal) const;
     bool isRunning();
     /// Whether a display link's thread asks it for frames.

@@ -17,10 +17,15 @@ std::string text(Size size) {
 }  // namespace
 
 Compositor::~Compositor() {
+    end();
+}
+
+void Compositor::end() {
     if (_process != nullptr) {
         thaw();
         _process->sendSignal(SIGTERM);
         EXPECT_TRUE(_process->waitForEnd()) << "the compositor did not end";
+        _process.reset();
     }
 }
 

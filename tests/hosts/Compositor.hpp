@@ -26,6 +26,8 @@ public:
     /// Keeps the compositor from answering anybody until it is thawed.
     void freeze() const { _process->sendSignal(SIGSTOP); }
     void thaw() const { _process->sendSignal(SIGCONT); }
+    /// Ends the session, whoever is still in it.
+    void end();
 
 protected:
     Compositor() = default;

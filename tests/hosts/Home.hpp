@@ -3,6 +3,8 @@
 #include "tests/host/Process.hpp"
 #include "tests/support/TemporaryDirectory.hpp"
 
+#include <sys/types.h>
+
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -35,6 +37,9 @@ std::vector<std::string> endingWithTest(const std::vector<std::string>& command)
 
 /// Runs a program of the system to its end, within a few seconds.
 fake::ProcessEnd runTool(const std::vector<std::string>& command, const std::vector<std::string>& environment);
+
+/// Looks until a process has next to nothing to do for half a second.
+bool becomesIdle(pid_t process);
 
 /// The program under test, in a place where the user of these tests may run it.
 std::filesystem::path program();

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,6 +24,8 @@ public:
         : _process(std::vector<std::string>{program()} + arguments, session.environment()) {}
 
     bool isRunning() { return _process.isRunning(); }
+    bool becomesIdle() const { return hosts::becomesIdle(_process.identifier()); }
+    std::optional<fake::ProcessEnd> waitForEnd() { return _process.waitForEnd(std::chrono::seconds(10)); }
     void end() {
         _process.sendSignal(SIGTERM);
         const auto end = _process.waitForEnd(std::chrono::seconds(5));
@@ -149,13 +152,23 @@ TEST_P(InSwayMode, CloudsThatWereHiddenMoveAgainWhenTheyAreShown) {
     cirrane.end();
 }
 
-TEST_P(InSwayMode, AProgramThatIsHiddenCanBeEnded) {
+TEST_P(InSwayMode, AProgramThatIsHiddenHasNothingToDoAndCanBeEnded) {
     Sway sway(first);
     StartedIn cirrane(sway, {GetParam()});
     ASSERT_TRUE(showsMovingCloudsOn(sway, firstOutput, first));
     sway.showWorkspace("other");
-    EXPECT_TRUE(standsStill([&] { return sway.picture(firstOutput); }));
+    EXPECT_TRUE(cirrane.becomesIdle());
     cirrane.end();
+}
+
+TEST_P(InSwayMode, TheEndOfTheSessionEndsTheProgram) {
+    Sway sway(first);
+    StartedIn cirrane(sway, {GetParam()});
+    ASSERT_TRUE(showsMovingCloudsOn(sway, firstOutput, first));
+    sway.end();
+    const auto end = cirrane.waitForEnd();
+    ASSERT_TRUE(end) << "it goes on for nobody";
+    EXPECT_EQ(end->exitStatus, 1) << "no crash, but no success either";
 }
 
 TEST_P(InSwayMode, AFrozenCompositorHangsNothing) {
