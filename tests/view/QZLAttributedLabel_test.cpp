@@ -1,8 +1,9 @@
 #include "view/QZLAttributedLabel.hpp"
 
+#include "tests/support/EventLoop.hpp"
+
 #include <gtest/gtest.h>
 
-#include <QtCore/QElapsedTimer>
 #include <QtGui/QPainter>
 #include <QtWidgets/QApplication>
 
@@ -79,19 +80,6 @@ TEST_F(QZLAttributedLabelTest, WrapsAtTheWidthOfItsBound) {
     EXPECT_EQ(pixelsNot(Qt::red, drawn, QRect(72, 0, 128, 100)), 0);
 }
 
-/// Handles events until the condition holds; false when ten seconds pass first.
-template <typename Condition>
-bool eventually(Condition condition) {
-    constexpr int deadline = 10'000;
-    constexpr int slice = 20;
-    QElapsedTimer timer;
-    timer.start();
-    while (!condition() && !timer.hasExpired(deadline)) {
-        QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, slice);
-    }
-    return condition();
-}
-
 /// Counts its paint events.
 class PaintCounter final : public QObject {
 public:
@@ -111,16 +99,16 @@ TEST_F(QZLAttributedLabelTest, ANewTextIsNotDrawnUnlessAsked) {
     label.installEventFilter(&ofLabel);
     beside.installEventFilter(&ofBeside);
     parent.show();
-    ASSERT_TRUE(eventually([&] { return ofLabel.painted > 0 && ofBeside.painted > 0; }));
+    ASSERT_TRUE(fake::eventuallyInLoop([&] { return ofLabel.painted > 0 && ofBeside.painted > 0; }));
 
     const int before = ofLabel.painted;
     label.setText(text("cloud"), {0, 0, 100, 50}, 3);
     ofBeside.painted = 0;
     beside.update();
-    ASSERT_TRUE(eventually([&] { return ofBeside.painted > 0; }));
+    ASSERT_TRUE(fake::eventuallyInLoop([&] { return ofBeside.painted > 0; }));
     EXPECT_EQ(ofLabel.painted, before);
     label.update();
-    EXPECT_TRUE(eventually([&] { return ofLabel.painted > before; }));
+    EXPECT_TRUE(fake::eventuallyInLoop([&] { return ofLabel.painted > before; }));
 }
 
 }  // namespace

@@ -84,7 +84,8 @@ TEST_F(QZLScreenSaverViewDiagnostics, ItIsRefreshedFourTimesASecondFromTheFirstT
     EXPECT_EQ(made->diagnosticTimer()->intervalAsDuration(), std::chrono::milliseconds(250));
     EXPECT_TRUE(made->diagnosticTimer()->isActive());
     EXPECT_FALSE(made->diagnosticTimer()->isSingleShot());
-    ASSERT_TRUE(eventually([&] { return made->diagnosticField()->stringValue() == made->diagnosticText(); }));
+    ASSERT_TRUE(
+        fake::eventuallyInLoop([&] { return made->diagnosticField()->stringValue() == made->diagnosticText(); }));
 }
 
 TEST_F(QZLScreenSaverViewDiagnostics, TheLineTellsRateTimesLoadAndElapsedTimeInThisOrder) {
@@ -132,7 +133,7 @@ TEST_F(QZLScreenSaverViewDiagnostics, AResizedViewShowsItAboveTheFramesAtItsNewP
     LookedAtView made(QZLMakeRenderer<RecordingRenderer>(), {0, 0, 300, 200}, true);
     made.setShowDiagnostics(true);
     made.show();
-    ASSERT_TRUE(eventually([&] { return made.isAnimating(); }));
+    ASSERT_TRUE(fake::eventuallyInLoop([&] { return made.isAnimating(); }));
     const auto layer = std::dynamic_pointer_cast<fake::Layer>(made.renderer()->layer());
     made.resize(320, 300);
     ASSERT_FALSE(layer->overlays().empty());

@@ -75,14 +75,14 @@ TEST_F(QZLScreenSaverViewSize, AWidgetIsAttachedAnewOnceItsNewSizeHasSettled) {
     gpu->setCompletesAtCommit(true);  // the link is a real one here
     LookedAtView widget(QZLMakeRenderer<RecordingRenderer>(), {0, 0, 320, 200}, true);
     widget.show();
-    ASSERT_TRUE(eventually([&] { return widget.isAnimating(); }));
+    ASSERT_TRUE(fake::eventuallyInLoop([&] { return widget.isAnimating(); }));
     const auto layerSize = [&] { return widget.renderer()->layer()->drawableSize(); };
     EXPECT_EQ(layerSize(), (gpu::Extent{320, 200}));
     for (int width = 330; width <= 400; width += 10) {
         widget.resize(width, 250);
         EXPECT_EQ(layerSize(), (gpu::Extent{320, 200})) << "stretched meanwhile";
     }
-    EXPECT_TRUE(eventually([&] { return layerSize() == gpu::Extent{400, 250}; }));
+    EXPECT_TRUE(fake::eventuallyInLoop([&] { return layerSize() == gpu::Extent{400, 250}; }));
 }
 
 }  // namespace

@@ -197,17 +197,17 @@ TEST_F(QZLScreenSaverViewTest, AFullScreenViewNeverStartsFromDrawing) {
 TEST_F(QZLScreenSaverViewTest, PaintingAPreviewStartsItFromTheEventLoop) {
     const auto preview = makeView(true);
     preview->show();
-    ASSERT_TRUE(eventually([&] { return preview->isAnimating(); }));
+    ASSERT_TRUE(fake::eventuallyInLoop([&] { return preview->isAnimating(); }));
     preview->stopAnimation();
     preview->repaint();
     EXPECT_FALSE(preview->isAnimating()) << "not inside the paint event";
-    ASSERT_TRUE(eventually([&] { return preview->isAnimating(); }));
+    ASSERT_TRUE(fake::eventuallyInLoop([&] { return preview->isAnimating(); }));
 }
 
 TEST_F(QZLScreenSaverViewTest, APreviewThatWasHiddenMeanwhileDoesNotStart) {
     const auto preview = makeView(true);
     preview->show();
-    ASSERT_TRUE(eventually([&] { return preview->isAnimating(); }));
+    ASSERT_TRUE(fake::eventuallyInLoop([&] { return preview->isAnimating(); }));
     preview->stopAnimation();
     preview->repaint();
     preview->hide();

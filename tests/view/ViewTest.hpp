@@ -3,9 +3,9 @@
 #include "platform/PreferencesStore.hpp"
 #include "settings/QZLDefaultsManager.hpp"
 #include "tests/renderhost/RendererTest.hpp"
+#include "tests/support/EventLoop.hpp"
 #include "view/QZLScreenSaverView.hpp"
 
-#include <QtCore/QElapsedTimer>
 #include <QtWidgets/QApplication>
 
 /// A saver's view whose parts a test may look at.
@@ -49,19 +49,6 @@ protected:
             lines.push_back(line);
         }
         return lines;
-    }
-
-    /// Handles events until the condition holds; false when ten seconds pass first.
-    template <typename Condition>
-    static bool eventually(Condition condition) {
-        constexpr int deadline = 10'000;
-        constexpr int slice = 20;
-        QElapsedTimer timer;
-        timer.start();
-        while (!condition() && !timer.hasExpired(deadline)) {
-            QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, slice);
-        }
-        return condition();
     }
 
     std::shared_ptr<platform::PreferencesStore> store;

@@ -3,8 +3,8 @@
 #include "platform/gpu/Backend.hpp"
 #include "platform/gpu/CommandBuffer.hpp"
 #include "platform/gpu/Layer.hpp"
+#include "tests/support/EventLoop.hpp"
 
-#include <QtCore/QElapsedTimer>
 #include <QtWidgets/QApplication>
 #include <atomic>
 #include <cstdint>
@@ -38,15 +38,4 @@ private:
     std::shared_ptr<gpu::Layer> _layer;
 };
 
-/// Handles events and calls `condition` until it holds; false when half a minute passes first.
-template <typename Condition>
-bool eventuallyInLoop(Condition condition) {
-    constexpr int deadline = 30'000;
-    constexpr int slice = 20;
-    QElapsedTimer timer;
-    timer.start();
-    while (!condition() && !timer.hasExpired(deadline)) {
-        QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, slice);
-    }
-    return condition();
-}
+using fake::eventuallyInLoop;

@@ -1,11 +1,11 @@
 #include "platform/ui/LayerWidget.hpp"
 
+#include "tests/support/EventLoop.hpp"
 #include "tests/support/FakeGpu.hpp"
 #include "tests/support/FakeHostView.hpp"
 
 #include <gtest/gtest.h>
 
-#include <QtCore/QElapsedTimer>
 #include <QtGui/QScreen>
 #include <QtWidgets/QApplication>
 
@@ -13,19 +13,6 @@ namespace {
 
 using platform::LayerWidget;
 using platform::Rect;
-
-/// Handles events until the condition holds; false when ten seconds pass first.
-template <typename Condition>
-bool eventually(Condition condition) {
-    constexpr int deadline = 10'000;
-    constexpr int slice = 20;
-    QElapsedTimer timer;
-    timer.start();
-    while (!condition() && !timer.hasExpired(deadline)) {
-        QApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, slice);
-    }
-    return condition();
-}
 
 class LayerWidgetTest : public testing::Test {
 protected:
@@ -103,12 +90,12 @@ TEST(LayerWidget, IsToldOnceThatANewSizeHasSettled) {
     SettlingWidget widget;
     widget.resize(320, 200);
     widget.show();
-    ASSERT_TRUE(eventually([&] { return widget.settled == 1; }));
+    ASSERT_TRUE(fake::eventuallyInLoop([&] { return widget.settled == 1; }));
     for (int width = 330; width < 400; width += 10) {
         widget.resize(width, 200);
     }
     EXPECT_EQ(widget.settled, 1);
-    ASSERT_TRUE(eventually([&] { return widget.settled == 2; }));
+    ASSERT_TRUE(fake::eventuallyInLoop([&] { return widget.settled == 2; }));
 }
 
 TEST_F(LayerWidgetTest, RenderersMeetTheStandInWhereThereIsOne) {
