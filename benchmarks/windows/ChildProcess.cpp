@@ -14,6 +14,7 @@ namespace bench {
 
 ChildProcess::ChildProcess(std::vector<std::string> command) {
     std::vector<char*> arguments;
+    arguments.reserve(command.size() + 1);
     for (std::string& word : command) {
         arguments.push_back(word.data());
     }
