@@ -159,8 +159,7 @@ void LayerWidget::resizeEvent(QResizeEvent* event) {
 /// Of the native top-level window: what the widget itself is not told of, such as a frame or a scale that comes late.
 bool LayerWidget::eventFilter(QObject* watched, QEvent* event) {
     if (isVisible() && (event->type() == QEvent::Expose || event->type() == QEvent::Resize)) {
-        QMetaObject::invokeMethod(
-            this, [this] { windowChanged(); }, Qt::QueuedConnection);
+        _following.start();
     }
     return QWidget::eventFilter(watched, event);
 }
