@@ -73,7 +73,8 @@ void QZLScreenSaverView::layOutError() {
     const platform::Rect bounds = viewBounds();
     platform::Font bodyFont = platform::fontNamed(_errorFontName, 0.0).value_or(platform::systemFont(0.0));
     platform::Font titleFont = platform::boldFont(bodyFont);
-    for (double size = bounds.height / heightPerFontSize; size > smallestFontSize; size -= 1.0) {
+    double size = bounds.height / heightPerFontSize;
+    while (size > smallestFontSize) {
         const platform::Rect bound = inset(bounds, size / 2.0);
         bodyFont.size = size;
         titleFont.size = titleScale * size;
@@ -88,5 +89,6 @@ void QZLScreenSaverView::layOutError() {
             _errorView->show();
             return;
         }
+        size -= 1.0;
     }
 }

@@ -2,7 +2,7 @@
 
 #include "platform/ui/ViewGeometry.hpp"
 
-#include <QtCore/QMetaObject>
+#include <QtCore/QTimerEvent>
 #include <QtGui/QPaintEvent>
 #include <utility>
 
@@ -28,14 +28,19 @@ void ScreenSaverView::drawRect(const Rect&) {}
 void ScreenSaverView::paintEvent(QPaintEvent* event) {
     LayerWidget::paintEvent(event);
     _dirty |= event->rect();
-    if (!std::exchange(_drawIsPending, true)) {
-        const auto draw = [this] {
-            _drawIsPending = false;
-            if (isVisible()) {
-                drawRect(toView(std::exchange(_dirty, QRect()), height()));
-            }
-        };
-        QMetaObject::invokeMethod(this, draw, Qt::QueuedConnection);
+    if (!_drawTimer.isActive()) {
+        _drawTimer.start(0, this);
+    }
+}
+
+void ScreenSaverView::timerEvent(QTimerEvent* event) {
+    if (event->timerId() != _drawTimer.timerId()) {
+        LayerWidget::timerEvent(event);
+        return;
+    }
+    _drawTimer.stop();
+    if (isVisible()) {
+        drawRect(toView(std::exchange(_dirty, QRect()), height()));
     }
 }
 

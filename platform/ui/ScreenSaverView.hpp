@@ -4,6 +4,7 @@
 #include "platform/Geometry.hpp"
 #include "platform/ui/LayerWidget.hpp"
 
+#include <QtCore/QBasicTimer>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -46,13 +47,14 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
 
 private:
     const bool _isPreview;
     bool _isAnimating = false;
     double _animationTimeInterval = 1.0 / 30.0;
     QRect _dirty;  // since the last draw
-    bool _drawIsPending = false;
+    QBasicTimer _drawTimer;
 };
 
 }  // namespace platform
