@@ -1,5 +1,6 @@
 #include "platform/gpu/vulkan/DrawableRing.hpp"
 
+#include <algorithm>
 #include <utility>
 
 namespace gpu::vulkan {
@@ -28,7 +29,7 @@ struct DrawableRing::Place {
         static_assert(sizeof(Object) <= sizeof(Image::place), "a drawable needs more room");
         return reinterpret_cast<Object*>(image->place.data());
     }
-    void deallocate(Object*, std::size_t) noexcept { image->taken.store(false, std::memory_order_release); }
+    void deallocate(Object*, std::size_t) noexcept { ring->free(*image); }
 
     template <typename Other>
     bool operator==(const Place<Other>& other) const {
@@ -57,6 +58,21 @@ std::shared_ptr<Drawable> DrawableRing::take(std::weak_ptr<Layer> layer, std::ui
         }
     }
     return nullptr;
+}
+
+void DrawableRing::free(Image& image) noexcept {
+    {
+        const std::lock_guard lock(_freedMutex);
+        image.taken.store(false, std::memory_order_release);
+    }
+    _freed.notify_one();
+}
+
+bool DrawableRing::waitForFreeImage(std::chrono::nanoseconds timeout) {
+    std::unique_lock lock(_freedMutex);
+    return _freed.wait_for(lock, timeout, [this] {
+        return std::ranges::any_of(_images, [](const auto& image) { return !image->taken.load(); });
+    });
 }
 
 bool DrawableRing::grow(std::size_t limit) {

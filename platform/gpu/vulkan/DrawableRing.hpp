@@ -6,9 +6,12 @@
 
 #include <array>
 #include <atomic>
+#include <chrono>
+#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 namespace gpu::vulkan {
@@ -31,6 +34,9 @@ public:
     /// A drawable of a free image, or null when there is none.
     std::shared_ptr<Drawable> take(std::weak_ptr<Layer> layer, std::uint64_t identifier) noexcept;
 
+    /// True once an image is free, false when none has come back in that time.
+    bool waitForFreeImage(std::chrono::nanoseconds timeout);
+
     /// Makes one more free image unless there are that many. False when none was made.
     bool grow(std::size_t limit);
 
@@ -43,11 +49,15 @@ private:
     template <typename Object>
     struct Place;
 
+    void free(Image& image) noexcept;
+
     std::shared_ptr<VulkanDevice> _device;
     PixelFormat _format;
     Extent _size;
     bool _framebufferOnly;
     std::vector<std::unique_ptr<Image>> _images;
+    std::mutex _freedMutex;
+    std::condition_variable _freed;
 };
 
 }  // namespace gpu::vulkan

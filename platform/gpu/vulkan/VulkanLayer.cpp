@@ -64,9 +64,19 @@ std::shared_ptr<Drawable> VulkanLayer::takeDrawable() {
         return drawable != nullptr;
     };
     const bool taken = takeOne() || (_ring->grow(DrawableRing::usualImages) && takeOne()) ||
-                       (dropWaitingFrame() && takeOne()) || (_ring->grow(DrawableRing::maximumImages) && takeOne());
+                       (waitUntilOneIsShown() && takeOne()) || (dropWaitingFrame() && takeOne()) || (_ring->grow(DrawableRing::maximumImages) && takeOne());
     _nextIdentifier += taken ? 1 : 0;
     return drawable;
+}
+
+bool VulkanLayer::waitUntilOneIsShown() {
+    {
+        const std::lock_guard lock(_presenterMutex);
+        if (_presenter == nullptr || !_presenter->hasWaitingFrames()) {
+            return false;
+        }
+    }
+    return _ring->waitForFreeImage(roomPatience);
 }
 
 /// A frame that nobody has begun to show makes room for the next one.

@@ -2,6 +2,7 @@
 
 #include "platform/gpu/Layer.hpp"
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -13,10 +14,14 @@ namespace gpu::vulkan {
 class DrawableRing;
 class VulkanPresenter;
 
-/// A layer whose frames are drawn into images of its own and shown by a presenter thread, so that no window, be it
-/// hidden, stuck or destroyed, ever keeps a frame from being drawn. Made by the backend's `newLayer`.
+/// A layer whose frames are drawn into images of its own and shown by a presenter thread. Where frames are drawn faster
+/// than they can be shown, `nextDrawable` waits, so that none is drawn in vain; but no window, be it hidden, stuck or
+/// destroyed, keeps a frame from being drawn for longer than `roomPatience`. Made by the backend's `newLayer`.
 class VulkanLayer final : public Layer {
 public:
+    /// How long a new frame waits for those before it to be shown. Then the oldest of them is given up.
+    static constexpr std::chrono::seconds roomPatience{1};
+
     VulkanLayer();
     /// Returns when the window is no longer used.
     ~VulkanLayer() override;
@@ -31,6 +36,7 @@ private:
 
     void chooseRing(const Configuration& configuration);
     std::shared_ptr<Drawable> takeDrawable();
+    bool waitUntilOneIsShown();
     bool dropWaitingFrame();
 
     std::shared_ptr<DrawableRing> _ring;

@@ -1,6 +1,7 @@
 #include "platform/gpu/vulkan/VulkanPresenter.hpp"
 
 #include "platform/SystemLog.hpp"
+#include "platform/gpu/vulkan/DrawableRing.hpp"
 #include "platform/gpu/vulkan/VulkanSurface.hpp"
 #include "platform/gpu/vulkan/VulkanSwapchain.hpp"
 #include "platform/gpu/vulkan/VulkanTexture.hpp"
@@ -14,13 +15,23 @@
 #include <vector>
 
 namespace gpu::vulkan {
+namespace {
+
+using Frames = std::vector<std::shared_ptr<Drawable>>;
+
+constexpr std::size_t mostWaiting = DrawableRing::maximumImages;
+
+}  // namespace
 
 /// What the thread works on. It holds this itself, so that it can be left behind.
 struct VulkanPresenter::Work {
-    explicit Work(PresentationTarget presentationTarget) : target(std::move(presentationTarget)) {}
+    explicit Work(PresentationTarget presentationTarget) : target(std::move(presentationTarget)) {
+        waiting.reserve(mostWaiting);
+    }
 
     void run() noexcept;
     std::shared_ptr<Drawable> waitForFrame();
+    std::shared_ptr<Drawable> takeOldest();
     void noteShown();
     ShowResult show(const Drawable& drawable);
     ShowResult showInWindow(const VulkanTexture& picture);
@@ -35,7 +46,7 @@ struct VulkanPresenter::Work {
     // Shared.
     std::mutex mutex;
     std::condition_variable changed;
-    std::shared_ptr<Drawable> waiting;
+    Frames waiting;  ///< the oldest first
     std::shared_ptr<const Overlay> overlay;
     bool open = true;  ///< takes frames
     bool showing = false;
@@ -52,7 +63,7 @@ void VulkanPresenter::Work::run() noexcept {
         }
     }
     swapchain.reset();
-    std::shared_ptr<Drawable> unshown;
+    Frames unshown;
     const std::lock_guard lock(mutex);
     unshown.swap(waiting);
     open = false;
@@ -62,9 +73,16 @@ void VulkanPresenter::Work::run() noexcept {
 
 std::shared_ptr<Drawable> VulkanPresenter::Work::waitForFrame() {
     std::unique_lock lock(mutex);
-    changed.wait(lock, [this] { return waiting != nullptr || !open; });
+    changed.wait(lock, [this] { return !waiting.empty() || !open; });
     showing = open;
-    return open ? std::exchange(waiting, nullptr) : nullptr;
+    return open ? takeOldest() : nullptr;
+}
+
+/// Under the lock.
+std::shared_ptr<Drawable> VulkanPresenter::Work::takeOldest() {
+    std::shared_ptr<Drawable> oldest = std::move(waiting.front());
+    waiting.erase(waiting.begin());
+    return oldest;
 }
 
 void VulkanPresenter::Work::noteShown() {
@@ -133,7 +151,7 @@ VulkanPresenter::VulkanPresenter(std::shared_ptr<Work> work)
       }) {}
 
 VulkanPresenter::~VulkanPresenter() {
-    std::shared_ptr<Drawable> unshown;
+    Frames unshown;
     std::unique_lock lock(_work->mutex);
     unshown.swap(_work->waiting);
     _work->open = false;
@@ -152,16 +170,27 @@ VulkanPresenter::~VulkanPresenter() {
 }
 
 void VulkanPresenter::show(std::shared_ptr<Drawable> drawable) {
+    std::shared_ptr<Drawable> unshown;
     const std::lock_guard lock(_work->mutex);
-    if (_work->open) {
-        _work->waiting.swap(drawable);
-        _work->changed.notify_all();
+    if (!_work->open) {
+        return;
     }
+    if (_work->waiting.size() == mostWaiting) {
+        unshown = _work->takeOldest();
+    }
+    _work->waiting.push_back(std::move(drawable));
+    _work->changed.notify_all();
+}
+
+bool VulkanPresenter::hasWaitingFrames() {
+    const std::lock_guard lock(_work->mutex);
+    return !_work->waiting.empty();
 }
 
 void VulkanPresenter::settle() {
     constexpr std::chrono::milliseconds settlingPatience{100};
-    std::shared_ptr<Drawable> unshown;
+    Frames unshown;
+    unshown.reserve(mostWaiting);
     std::unique_lock lock(_work->mutex);
     unshown.swap(_work->waiting);
     _work->changed.wait_for(lock, settlingPatience, [this] { return !_work->showing; });
@@ -175,10 +204,10 @@ void VulkanPresenter::setOverlay(std::shared_ptr<const Overlay> overlay) {
 bool VulkanPresenter::dropWaitingFrame() {
     std::shared_ptr<Drawable> unshown;
     const std::lock_guard lock(_work->mutex);
-    if (_work->waiting.use_count() != 1) {
+    if (_work->waiting.empty() || _work->waiting.front().use_count() != 1) {
         return false;
     }
-    unshown.swap(_work->waiting);
+    unshown = _work->takeOldest();
     return true;
 }
 

@@ -8,8 +8,8 @@
 
 namespace gpu::vulkan {
 
-/// Shows a layer's finished frames in one window, on a thread of its own. Only the newest frame waits; one that comes
-/// while it waits replaces it, and a frame for which the window has no room is not shown. When the window is
+/// Shows a layer's finished frames in one window, one after the other, on a thread of its own. A frame for which the
+/// window has no room is not shown. When the window is
 /// destroyed the presenter says so once in the log and shows nothing more. Frames are handed over from any thread.
 class VulkanPresenter {
 public:
@@ -29,11 +29,13 @@ public:
     /// Lies over the frames shown from now on; null for nothing. Any thread.
     void setOverlay(std::shared_ptr<const Overlay> overlay);
 
-    /// Gives up the frame that waits, and returns when none is being shown; after a while also when the window is
+    bool hasWaitingFrames();
+
+    /// Gives up the frames that wait, and returns when none is being shown; after a while also when the window is
     /// stuck.
     void settle();
 
-    /// Gives up the frame that waits if nobody but the presenter holds it. False when there is none such.
+    /// Gives up the frame that has waited longest if nobody but the presenter holds it. False when there is none such.
     bool dropWaitingFrame();
 
 private:

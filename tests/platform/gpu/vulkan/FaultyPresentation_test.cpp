@@ -78,4 +78,20 @@ TEST_P(FaultyPresentation, NoFailureCostsAFrameAndOnlyALostWindowIsGivenUp) {
 INSTANTIATE_TEST_SUITE_P(With, FaultyPresentation,
                          testing::Values(Failure::OutOfHostMemory, Failure::OutOfDate, Failure::SurfaceLost), nameOf);
 
+using CountedPresentation = PresentationTest;
+
+TEST_F(CountedPresentation, HardlyAFrameIsDrawnThatIsNotShownHoweverFastTheyCome) {
+    constexpr std::uint64_t frames = 60;
+    TestWindow window(_server, _server, defaultSize);
+    _layer->setPresentationTarget(window.target());
+    const std::uint64_t before = fake::vulkan::submissions();
+    for (std::uint64_t frame = 0; frame < frames; ++frame) {
+        ASSERT_TRUE(drawFrame(frame + 1 == frames ? green : red));
+    }
+    ASSERT_TRUE(waitUntilShown(window, {0, 0}, green));
+    _layer->setPresentationTarget({});
+    // One for drawing it, one for copying it to the window, one for presenting it. The server may lack an image for one.
+    EXPECT_GE(fake::vulkan::submissions() - before, 3 * frames - 2 * (frames / 5));
+}
+
 }  // namespace
