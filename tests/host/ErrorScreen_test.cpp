@@ -1,5 +1,6 @@
 // The program on machines where it cannot draw: it stays, and says why in its window.
 #include "tests/host/Display.hpp"
+#include "tests/host/Pixels.hpp"
 #include "tests/host/Process.hpp"
 #include "tests/support/Files.hpp"
 #include "tests/support/TemporaryDirectory.hpp"

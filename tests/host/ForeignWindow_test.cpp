@@ -1,5 +1,6 @@
 // The program in windows of others, as screen saver hosts run it.
 #include "tests/host/Display.hpp"
+#include "tests/host/Pixels.hpp"
 #include "tests/host/Process.hpp"
 
 #include <gtest/gtest.h>

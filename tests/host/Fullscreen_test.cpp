@@ -1,4 +1,5 @@
 #include "tests/host/Display.hpp"
+#include "tests/host/Pixels.hpp"
 #include "tests/host/Process.hpp"
 
 #include <gtest/gtest.h>

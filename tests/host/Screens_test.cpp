@@ -1,5 +1,6 @@
 // The program on more than one screen: the X server's one is told to be several monitors.
 #include "tests/host/Display.hpp"
+#include "tests/host/Pixels.hpp"
 #include "tests/host/Process.hpp"
 #include "tests/support/Files.hpp"
 #include "tests/support/TemporaryDirectory.hpp"

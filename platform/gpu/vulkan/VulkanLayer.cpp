@@ -64,7 +64,8 @@ std::shared_ptr<Drawable> VulkanLayer::takeDrawable() {
         return drawable != nullptr;
     };
     const bool taken = takeOne() || (_ring->grow(DrawableRing::usualImages) && takeOne()) ||
-                       (waitUntilOneIsShown() && takeOne()) || (dropWaitingFrame() && takeOne()) || (_ring->grow(DrawableRing::maximumImages) && takeOne());
+                       (waitUntilOneIsShown() && takeOne()) || (dropWaitingFrame() && takeOne()) ||
+                       (_ring->grow(DrawableRing::maximumImages) && takeOne());
     _nextIdentifier += taken ? 1 : 0;
     return drawable;
 }

@@ -90,7 +90,8 @@ TEST_F(CountedPresentation, HardlyAFrameIsDrawnThatIsNotShownHoweverFastTheyCome
     }
     ASSERT_TRUE(waitUntilShown(window, {0, 0}, green));
     _layer->setPresentationTarget({});
-    // One for drawing it, one for copying it to the window, one for presenting it. The server may lack an image for one.
+    // One for drawing it, one for copying it to the window, one for presenting it. The server may lack an image for
+    // one.
     EXPECT_GE(fake::vulkan::submissions() - before, 3 * frames - 2 * (frames / 5));
 }
 
