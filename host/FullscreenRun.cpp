@@ -35,10 +35,14 @@ public:
     CoveredScreens(const Showing& showing, Dismissal& dismissal) : _dismissal(dismissal), _windows(showing) {
         connect(qApp, &QGuiApplication::screenAdded, this, [this](QScreen* screen) { watch(screen); });
         connect(qApp, &QGuiApplication::screenRemoved, this, [this](QScreen* screen) { uncover(screen); });
+        connect(qApp, &QGuiApplication::primaryScreenChanged, this, [this] { _renumber.start(); });
+        connect(&_renumber, &QTimer::timeout, this, [this] { startWhereNumbersChanged(); });
+        _renumber.setSingleShot(true);
         connect(qApp, &QGuiApplication::lastWindowClosed, this, [this] { endUnlessThereIsNoScreen(); });
         for (QScreen* screen : QGuiApplication::screens()) {
             watch(screen);
         }
+        _numbered = QGuiApplication::screens();
     }
 
 private:
@@ -49,6 +53,7 @@ private:
 
     void cover(QScreen* screen) {
         _dismissal.screensChanged();
+        _renumber.start();
         if (screen->geometry().isEmpty()) {
             uncover(screen);  // stands for there being none
             return;
@@ -76,11 +81,23 @@ private:
 
     void uncover(QScreen* screen) {
         _dismissal.screensChanged();
+        _renumber.start();
         const auto found = _byScreen.find(screen);
         if (found != _byScreen.end()) {
             SaverWindow& window = *found->second;
             _byScreen.erase(found);
             _windows.remove(window);
+        }
+    }
+
+    /// Which screen is the first decides which one draws where only one does. When all that a change of screens brings
+    /// along has come in, views on screens whose number changed start again.
+    void startWhereNumbersChanged() {
+        const QList<QScreen*> before = std::exchange(_numbered, QGuiApplication::screens());
+        for (const auto& [screen, window] : _byScreen) {
+            if (before.contains(screen) && before.indexOf(screen) != _numbered.indexOf(screen)) {
+                window->startAnew();
+            }
         }
     }
 
@@ -94,6 +111,8 @@ private:
     Dismissal& _dismissal;
     SaverWindows _windows;
     std::map<QScreen*, SaverWindow*> _byScreen;
+    QList<QScreen*> _numbered;  ///< in the order of their numbers when these were last looked at
+    QTimer _renumber;
 };
 
 }  // namespace

@@ -64,16 +64,28 @@ void SaverWindow::showReason(const std::string& reason) {
 }
 
 void SaverWindow::makeViewAnew() {
-    if (_view != nullptr && !_view->shownError()) {
+    if (mayReplaceView()) {
         closeView();
         _isUncovered = true;
         makeView();
+        _isRecovering = true;
+        startOrStop();
+    }
+}
+
+void SaverWindow::startAnew() {
+    if (_view != nullptr && !_view->shownError() && _view->isAnimating()) {
+        _view->stopAnimation();
         startOrStop();
     }
 }
 
 void SaverWindow::showErrorCode(const ErrorCode& error) {
-    if (_view != nullptr && !_view->shownError()) {
+    if (mayReplaceView()) {
+        if (std::exchange(_isRecovering, false) && _view->shownError()) {
+            closeView();
+            makeView();
+        }
         _view->showErrorCode(error.code, error.subCode);
         _view->setUpdatesEnabled(true);  // it is to be seen, also when the window was hidden meanwhile
     }
@@ -104,6 +116,10 @@ void SaverWindow::startNow() {
     if (_view != nullptr && !_view->shownError() && !_view->isAnimating()) {
         _view->startAnimation();
         _view->setUpdatesEnabled(true);
+        _isRecovering = _isRecovering && _view->shownError();
+        if (_isRecovering) {
+            _recoveryFailed();
+        }
     }
 }
 

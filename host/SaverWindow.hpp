@@ -6,9 +6,11 @@
 
 #include <QtCore/QTimer>
 #include <QtWidgets/QWidget>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <variant>
 
 namespace host {
@@ -32,8 +34,12 @@ public:
     explicit SaverWindow(const Showing& showing);
     ~SaverWindow() override;
 
-    /// After the device was lost: another view in place of the one that draws no more.
+    /// After the device was lost: another view in place of the one that draws no more. Where even that cannot be
+    /// started, the handler is called, and the next one made takes its place; other errors stand.
     void makeViewAnew();
+    void setRecoveryFailedHandler(std::function<void()> handler) { _recoveryFailed = std::move(handler); }
+    /// After screens got other numbers, which views take note of when they start.
+    void startAnew();
     /// Gives up: the view shows that error for good.
     void showErrorCode(const ErrorCode& error);
     /// Stops and lets go of the view.
@@ -50,6 +56,7 @@ private:
     void makeView();
     void showReason(const std::string& reason);
     bool isMapped() const;
+    bool mayReplaceView() const { return _view != nullptr && (_isRecovering || !_view->shownError()); }
     bool canBeSeen() const { return _isShown && _isUncovered && !isMinimized() && isMapped(); }
     void startOrStop();
     void startNow();
@@ -59,6 +66,8 @@ private:
     QWidget* _reason = nullptr;
     bool _isShown = false;
     bool _isUncovered = true;
+    bool _isRecovering = false;  ///< its view was made anew and has not started yet, or could not
+    std::function<void()> _recoveryFailed;
     QTimer _startSoon;
 };
 

@@ -15,9 +15,15 @@ namespace {
 /// What a machine without a usable device is told.
 constexpr ErrorCode noDevice{303, 0};
 
+/// A driver that is being reset or replaced needs a moment.
+constexpr std::chrono::seconds pauseAfterFailure{1};
+
 }  // namespace
 
 SaverWindows::SaverWindows(Showing showing) : _showing(std::move(showing)) {
+    _tryAgain.setSingleShot(true);
+    _tryAgain.setInterval(pauseAfterFailure);
+    QObject::connect(&_tryAgain, &QTimer::timeout, &_mainThread, [this] { deviceWasLost(); });
     gpu::backend()->setDeviceLostHandler([this, mainThread = QPointer<QObject>(&_mainThread)] {
         // Told on a drawing thread; all this may be gone when the message arrives.
         QMetaObject::invokeMethod(
@@ -36,7 +42,9 @@ SaverWindows::~SaverWindows() {
 }
 
 SaverWindow& SaverWindows::add() {
-    return *_windows.emplace_back(std::make_unique<SaverWindow>(_showing));
+    SaverWindow& window = *_windows.emplace_back(std::make_unique<SaverWindow>(_showing));
+    window.setRecoveryFailedHandler([this] { _tryAgain.start(); });
+    return window;
 }
 
 void SaverWindows::remove(SaverWindow& window) {

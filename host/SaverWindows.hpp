@@ -4,13 +4,15 @@
 #include "host/SaverWindow.hpp"
 
 #include <QtCore/QObject>
+#include <QtCore/QTimer>
 #include <memory>
 #include <vector>
 
 namespace host {
 
 /// All windows of the process, which share one graphics device and so lose it together: then each gets another view, or
-/// none when that happens too often. Main thread.
+/// none when that happens too often. A view that cannot be started after a loss is tried once more a second later, and
+/// counts as another loss. Main thread.
 class SaverWindows {
 public:
     explicit SaverWindows(Showing showing);
@@ -28,6 +30,7 @@ private:
     const Showing _showing;
     std::vector<std::unique_ptr<SaverWindow>> _windows;
     DeviceLossLimit _limit;
+    QTimer _tryAgain;
     QObject _mainThread;  // what the drawing threads post to; last, so that it goes first
 };
 

@@ -181,7 +181,7 @@ int runInWindows(const host::CommandLine& line, const host::TerminationSignals& 
         case host::Mode::WindowId: failure = host::runInForeignWindow(showing, window, signals); break;
         default: host::runWindow(showing, signals); break;
     }
-    return std::max(status, finish(failure, signals));
+    return isForeign ? finish(failure, signals) : std::max(status, finish(failure, signals));
 }
 
 int run(const std::vector<std::string_view>& arguments) {

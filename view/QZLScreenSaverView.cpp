@@ -79,6 +79,7 @@ std::optional<platform::Error> QZLScreenSaverView::attachRenderer() {
 }
 
 void QZLScreenSaverView::stopAnimation() {
+    setShowsFrames(false);  // no frame that waits to be shown shall hold up the renderer's stop
     if (_renderer != nullptr) {
         _renderer->stopAnimation();
     }

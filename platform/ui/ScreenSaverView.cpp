@@ -39,7 +39,7 @@ void ScreenSaverView::timerEvent(QTimerEvent* event) {
         return;
     }
     _drawTimer.stop();
-    if (isVisible()) {
+    if (isVisible() && updatesEnabled()) {
         drawRect(toView(std::exchange(_dirty, QRect()), height()));
     }
 }

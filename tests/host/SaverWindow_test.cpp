@@ -3,6 +3,7 @@
 
 #include "host/SaverWindows.hpp"
 #include "tests/host/RecordingSaver.hpp"
+#include "tests/support/EventLoop.hpp"
 #include "tests/support/FakeGpu.hpp"
 
 #include <gtest/gtest.h>
@@ -237,6 +238,38 @@ TEST_F(SaverWindowTest, AfterThreeLostDevicesWithinAMinuteTheErrorStands) {
     EXPECT_EQ(saver.lines(), Lines{"error 303:0"});
     loseDevice();
     EXPECT_EQ(saver.lines(), Lines{"error 303:0"});
+}
+
+TEST_F(SaverWindowTest, AViewThatCannotBeStartedAfterALossIsTriedAgainAndThenTheErrorStands) {
+    SaverWindows windows(showing());
+    SaverWindow& window = windows.add();
+    window.resize(64, 64);
+    window.show();
+    handleEvents();
+    saver.forgetLines();
+    saver.setStartFails(true);
+    loseDevice();
+    const Lines failing{"end", "make 64x64", "start 64x64", "error 108:0"};
+    EXPECT_EQ(saver.lines(), (Lines{"stop", "end", "make 64x64", "start 64x64", "error 108:0"}));
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        saver.forgetLines();
+        EXPECT_TRUE(fake::eventuallyInLoop([this, &failing] { return saver.lines() == failing; })) << attempt;
+    }
+    saver.forgetLines();
+    EXPECT_TRUE(fake::eventuallyInLoop([this] { return saver.lines() == Lines{"end", "make 64x64", "error 303:0"}; }));
+}
+
+TEST_F(SaverWindowTest, AViewThatStartsAtTheSecondAttemptAfterALossGoesOn) {
+    SaverWindows windows(showing());
+    SaverWindow& window = windows.add();
+    window.resize(64, 64);
+    window.show();
+    handleEvents();
+    saver.setStartFails(true);
+    loseDevice();
+    saver.setStartFails(false);
+    EXPECT_TRUE(fake::eventuallyInLoop(
+        [this] { return saver.newestView()->isAnimating() && !saver.newestView()->shownError(); }));
 }
 
 TEST_F(SaverWindowTest, AnErrorThatComesWhileHiddenIsSeenWhenShownAgain) {

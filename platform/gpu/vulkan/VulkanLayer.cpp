@@ -118,7 +118,7 @@ void VulkanLayer::changeShowsFrames(bool showsFrames) {
         presenter = _presenter.get();
     }
     if (!showsFrames && presenter != nullptr) {
-        presenter->settle();
+        presenter->withhold();
     }
 }
 

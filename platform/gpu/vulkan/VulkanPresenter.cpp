@@ -36,6 +36,7 @@ struct VulkanPresenter::Work {
     ShowResult show(const Drawable& drawable);
     ShowResult showInWindow(const VulkanTexture& picture);
     std::shared_ptr<const Overlay> currentOverlay();
+    bool isWithheld();
     void prepareWindow();
 
     // The thread's own.
@@ -50,6 +51,7 @@ struct VulkanPresenter::Work {
     std::shared_ptr<const Overlay> overlay;
     bool open = true;  ///< takes frames
     bool showing = false;
+    bool withheld = false;
     bool ended = false;
 };
 
@@ -115,7 +117,8 @@ ShowResult VulkanPresenter::Work::showInWindow(const VulkanTexture& picture) {
             }
             swapchain = std::make_unique<VulkanSwapchain>(device.self(), target.window);
         }
-        return swapchain->show(picture, currentOverlay(), [this] { prepareWindow(); });
+        return swapchain->show(
+            picture, currentOverlay(), [this] { return !isWithheld(); }, [this] { prepareWindow(); });
     } catch (const vk::SurfaceLostKHRError&) {
         return ShowResult::WindowGone;
     }
@@ -124,6 +127,11 @@ ShowResult VulkanPresenter::Work::showInWindow(const VulkanTexture& picture) {
 std::shared_ptr<const Overlay> VulkanPresenter::Work::currentOverlay() {
     const std::lock_guard lock(mutex);
     return overlay;
+}
+
+bool VulkanPresenter::Work::isWithheld() {
+    const std::lock_guard lock(mutex);
+    return withheld;
 }
 
 void VulkanPresenter::Work::prepareWindow() {
@@ -156,6 +164,9 @@ VulkanPresenter::~VulkanPresenter() {
     unshown.swap(_work->waiting);
     _work->open = false;
     _work->changed.notify_all();
+    lock.unlock();
+    unshown.clear();  // whoever waits for an image shall have it at once
+    lock.lock();
     const bool onItsThread = _thread.get_id() == std::this_thread::get_id();
     const bool ended = !onItsThread && _work->changed.wait_for(lock, patience, [this] { return _work->ended; });
     lock.unlock();
@@ -178,6 +189,7 @@ void VulkanPresenter::show(std::shared_ptr<Drawable> drawable) {
     if (_work->waiting.size() == mostWaiting) {
         unshown = _work->takeOldest();
     }
+    _work->withheld = false;
     _work->waiting.push_back(std::move(drawable));
     _work->changed.notify_all();
 }
@@ -187,12 +199,16 @@ bool VulkanPresenter::hasWaitingFrames() {
     return !_work->waiting.empty();
 }
 
-void VulkanPresenter::settle() {
+void VulkanPresenter::withhold() {
     constexpr std::chrono::milliseconds settlingPatience{100};
     Frames unshown;
     unshown.reserve(mostWaiting);
     std::unique_lock lock(_work->mutex);
+    _work->withheld = true;
     unshown.swap(_work->waiting);
+    lock.unlock();
+    unshown.clear();  // whoever waits for an image shall have it at once
+    lock.lock();
     _work->changed.wait_for(lock, settlingPatience, [this] { return !_work->showing; });
 }
 

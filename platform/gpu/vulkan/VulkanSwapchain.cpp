@@ -66,7 +66,7 @@ VulkanSwapchain::VulkanSwapchain(std::shared_ptr<VulkanDevice> device, Presentat
       _painter(*_device) {}
 
 ShowResult VulkanSwapchain::show(const VulkanTexture& picture, const std::shared_ptr<const Overlay>& overlay,
-                                 const std::function<void()>& willPresent) {
+                                 const std::function<bool()>& isStillWanted, const std::function<void()>& willPresent) {
     if (overlay != nullptr && !std::exchange(_wantsOverlays, true)) {
         _outdated = true;
     }
@@ -75,6 +75,10 @@ ShowResult VulkanSwapchain::show(const VulkanTexture& picture, const std::shared
         index = acquire();
     }
     if (!index.has_value()) {
+        return ShowResult::Skipped;
+    }
+    if (!isStillWanted()) {
+        _outdated = true;  // the image that was acquired goes with its swapchain
         return ShowResult::Skipped;
     }
     draw(picture, prepareOverlay(overlay), *index);

@@ -37,9 +37,11 @@ public:
     const VulkanDevice& device() const { return *_device; }
 
     /// Copies the picture, which is at rest, paints the overlay, if any, over the copy, and presents it, calling
-    /// `willPresent` before. An overlay that cannot be painted is left out. Throws like the constructor.
+    /// `willPresent` before. An overlay that cannot be painted is left out. Getting an image from the window may take a
+    /// while; a picture that is not wanted any more then is skipped, before anything is submitted. Throws like the
+    /// constructor.
     ShowResult show(const VulkanTexture& picture, const std::shared_ptr<const Overlay>& overlay,
-                    const std::function<void()>& willPresent);
+                    const std::function<bool()>& isStillWanted, const std::function<void()>& willPresent);
 
 private:
     /// X11 does not heed it; there the windows' own speed is the limit.

@@ -1,10 +1,12 @@
 // Frames in real X11 windows, and whether they can be seen.
 #include "LayerPainter.hpp"
 #include "StandInMonitor.hpp"
+#include "platform/ui/ApplicationDisplay.hpp"
 #include "platform/ui/LayerWidget.hpp"
 
 #include <gtest/gtest.h>
 #include <xcb/dpms.h>
+#include <xcb/xcb.h>
 
 #include <QtGui/QScreen>
 #include <QtWidgets/QApplication>
@@ -92,6 +94,28 @@ TEST_F(X11Layer, IsToldToBeInvisibleWhileAnotherWindowCoversAllOfIt) {
     cover.setGeometry(140, 110, 199, 100);
     ASSERT_TRUE(isTold(true));
     EXPECT_EQ(_told, (std::vector<bool>{false, true})) << "partly covered is visible";
+}
+
+TEST_F(X11Layer, IsToldToBeInvisibleWhileAWindowThatItsWindowLiesInIsHidden) {
+    QWidget around(nullptr, Qt::BypassWindowManagerHint);
+    around.setGeometry(100, 80, 400, 300);
+    around.show();
+    xcb_connection_t* connection = platform::applicationX11Connection();
+    const auto outer = static_cast<xcb_window_t>(around.winId());
+    xcb_reparent_window(connection, static_cast<xcb_window_t>(_window->winId()), outer, 0, 0);
+    xcb_map_window(connection, static_cast<xcb_window_t>(_window->winId()));
+    xcb_flush(connection);
+    ASSERT_TRUE(eventuallyInLoop([&] {
+        _painter.draw(0x00FF00);
+        return pixel(150, 120) == green;
+    }));
+    _told.clear();
+    xcb_unmap_window(connection, outer);
+    xcb_flush(connection);
+    ASSERT_TRUE(isTold(false));
+    xcb_map_window(connection, outer);
+    xcb_flush(connection);
+    EXPECT_TRUE(isTold(true));
 }
 
 TEST_F(X11Layer, CountsAsVisibleAgainOnceItIsHidden) {
