@@ -13,8 +13,8 @@ constexpr double tickInterval = 1.0 / 30.0;  // seconds
 template <typename Change>
 void forEachView(const QPointer<QWidget>& root, const QZLEasterEggSequence& step, const Change& change) {
     for (std::int32_t k = 0; k < step.tagCount; ++k) {
-        const auto tag = static_cast<std::int32_t>(static_cast<std::uint32_t>(step.firstTag) +
-                                                   static_cast<std::uint32_t>(k));
+        const auto tag =
+            static_cast<std::int32_t>(static_cast<std::uint32_t>(step.firstTag) + static_cast<std::uint32_t>(k));
         if (QWidget* view = platform::viewWithTag(root, tag)) {
             change(*view);
         }

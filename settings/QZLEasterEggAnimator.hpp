@@ -7,8 +7,8 @@
 #include <cstdint>
 #include <memory>
 
-/// One step of a choreography: the views tagged `firstTag` and the `tagCount` - 1 numbers after it fade. A count of 0 or
-/// less only takes time.
+/// One step of a choreography: the views tagged `firstTag` and the `tagCount` - 1 numbers after it fade. A count of 0
+/// or less only takes time.
 struct QZLEasterEggSequence {
     double startTime = 0.0;  // seconds after the start
     double duration = 1.0;   // seconds, positive

@@ -57,7 +57,8 @@ TEST_F(QZLHotLinkTest, UnderlinesItsWholeText) {
 }
 
 TEST_F(QZLHotLinkTest, UnderlinesWhateverCharactersItHolds) {
-    for (const char* text : {"<b>x</b>", "a & b && c", "&amp;", "<a href=\"x\">y</a>", "\xE9\x9B\xB2 caf\xC3\xA9", "  x  "}) {
+    for (const char* text :
+         {"<b>x</b>", "a & b && c", "&amp;", "<a href=\"x\">y</a>", "\xE9\x9B\xB2 caf\xC3\xA9", "  x  "}) {
         link.setStringValue(text);
         EXPECT_EQ(link.stringValue(), text);
         EXPECT_EQ(link.text(), QString::fromUtf8(text));

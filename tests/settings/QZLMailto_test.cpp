@@ -36,13 +36,18 @@ TEST(QZLSanitizeMailto, ALoneCarriageReturnIsDropped) {
 
 TEST(QZLSanitizeMailto, DropsControlCharacters) {
     EXPECT_EQ(QZLSanitizeMailto("\t"), "");
-    EXPECT_EQ(QZLSanitizeMailto("a\x01\x1F\x7F\x1B" "b"), "ab");
+    EXPECT_EQ(QZLSanitizeMailto("a\x01\x1F\x7F\x1B"
+                                "b"),
+              "ab");
 }
 
 TEST(QZLSanitizeMailto, DropsWhatIsNotAscii) {
     EXPECT_EQ(QZLSanitizeMailto("\xC3\xA9"), "");
     EXPECT_EQ(QZLSanitizeMailto("caf\xC3\xA9 \xE2\x98\x81 \xF0\x9F\x8C\xA4!"), "caf%20%20%21");
-    EXPECT_EQ(QZLSanitizeMailto("\xFF" "a\x80"), "a") << "nor is it UTF-8";
+    EXPECT_EQ(QZLSanitizeMailto("\xFF"
+                                "a\x80"),
+              "a")
+        << "nor is it UTF-8";
 }
 
 TEST(QZLSanitizeMailto, EndsAtAZeroByte) {
@@ -59,8 +64,8 @@ TEST(QZLSanitizeMailto, GivesEveryByteItsOneForm) {
     for (int byte = 1; byte < 256; ++byte) {
         const std::string sanitized = QZLSanitizeMailto(std::string(1, static_cast<char>(byte)));
         const bool isPrintable = byte >= 0x20 && byte < 0x7F;
-        const bool isAlphanumeric = (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') ||
-                                    (byte >= 'a' && byte <= 'z');
+        const bool isAlphanumeric =
+            (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z');
         const std::size_t length = byte == '\n' ? 6 : (isAlphanumeric ? 1 : (isPrintable ? 3 : 0));
         EXPECT_EQ(sanitized.size(), length) << byte;
     }
