@@ -14,7 +14,8 @@ QWidget* viewWithTag(QWidget* root, std::int32_t tag);
 /// How opaque a view is drawn, with all that is in it: from 0 to 1.
 double alphaValue(const QWidget& view);
 /// A value that is out of range counts as the nearest in it, not-a-number as 0. Views within a faded view may be faded
-/// too. Replaces a graphics effect that the view already has; at 1 the view has none of ours.
+/// too; what is to be drawn faded with them must be in them when they are first faded. Replaces a graphics effect that
+/// the view already has; at 1 the view has none of ours.
 void setAlphaValue(QWidget& view, double alpha);
 
 /// Whether this view itself was hidden, whatever its parents are.
