@@ -1,0 +1,21 @@
+#include "settings/QZLHotLink.hpp"
+
+#include <QtGui/QCursor>
+#include <QtGui/QFont>
+
+QZLHotLink::QZLHotLink(QWidget* parent) : QZLTextTrigger(parent) {
+    setCursor(Qt::PointingHandCursor);
+    setForegroundRole(QPalette::Link);
+}
+
+void QZLHotLink::awakeFromNib() {
+    setStringValue(stringValue());
+}
+
+void QZLHotLink::setStringValue(const std::string& value) {
+    setTextFormat(Qt::PlainText);
+    setText(QString::fromStdString(value));
+    QFont underlined = font();
+    underlined.setUnderline(true);
+    setFont(underlined);
+}
