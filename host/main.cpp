@@ -2,6 +2,7 @@
 #include "host/HeadlessRun.hpp"
 #include "host/ModuleLoader.hpp"
 #include "host/Number.hpp"
+#include "host/PreferencesWatcher.hpp"
 #include "host/TerminationSignals.hpp"
 #include "host/WindowIdentifier.hpp"
 #include "host/WindowRun.hpp"
@@ -23,6 +24,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -140,6 +142,14 @@ std::variant<std::uint32_t, std::string> foreignWindow(const host::CommandLine& 
     return *window;
 }
 
+/// Other processes change the settings too, such as those that `--configure` runs in.
+std::unique_ptr<host::PreferencesWatcher> watchSettings(const host::LoadedSaver& saver) {
+    const auto* const module = std::get_if<const platform::SaverModule*>(&saver);
+    const auto bundle = module != nullptr ? host::bundleOf(**module) : nullptr;
+    const auto name = bundle != nullptr ? bundle->bundleIdentifier() : std::nullopt;
+    return name ? std::make_unique<host::PreferencesWatcher>(**module, *name) : nullptr;
+}
+
 int runInWindows(const host::CommandLine& line, const host::TerminationSignals& signals) {
     const bool isForeign = line.mode == host::Mode::Root || line.mode == host::Mode::WindowId;
     if (!line.display.empty()) {
@@ -174,6 +184,7 @@ int runInWindows(const host::CommandLine& line, const host::TerminationSignals& 
     if (const auto* reason = std::get_if<std::string>(&showing.saver)) {
         status = complain(*reason, exitFailure);  // and the window shows it until it is ended
     }
+    const auto watcher = watchSettings(showing.saver);
     std::optional<std::string> failure;
     switch (line.mode) {
         case host::Mode::Fullscreen: host::runFullscreen(showing, signals); break;
