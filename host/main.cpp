@@ -179,7 +179,8 @@ int runInWindows(const host::CommandLine& line, const host::TerminationSignals& 
         platform::setPreferencesStore(platform::makeMemoryPreferencesStore());
     }
 
-    const host::Showing showing{host::loadSaverModule(line.module), line.mode == host::Mode::WindowId, line.testError};
+    const bool isPreview = line.mode == host::Mode::WindowId || line.mode == host::Mode::Configure;
+    const host::Showing showing{host::loadSaverModule(line.module), isPreview, line.testError};
     int status = 0;
     if (const auto* reason = std::get_if<std::string>(&showing.saver)) {
         status = complain(*reason, exitFailure);  // and the window shows it until it is ended
@@ -188,6 +189,7 @@ int runInWindows(const host::CommandLine& line, const host::TerminationSignals& 
     std::optional<std::string> failure;
     switch (line.mode) {
         case host::Mode::Fullscreen: host::runFullscreen(showing, signals); break;
+        case host::Mode::Configure: host::runConfigure(line, showing, signals); break;
         case host::Mode::Root:
         case host::Mode::WindowId: failure = host::runInForeignWindow(showing, window, signals); break;
         default: host::runWindow(showing, signals); break;
@@ -209,7 +211,8 @@ int run(const std::vector<std::string_view>& arguments) {
         case host::Mode::Window:
         case host::Mode::Fullscreen:
         case host::Mode::Root:
-        case host::Mode::WindowId: return runInWindows(line, host::TerminationSignals(patienceWithTheEnd));
+        case host::Mode::WindowId:
+        case host::Mode::Configure: return runInWindows(line, host::TerminationSignals(patienceWithTheEnd));
     }
     return exitFailure;
 }

@@ -19,6 +19,8 @@
 #include <QtWidgets/QMessageBox>
 #include <cstring>
 #include <filesystem>
+#include <map>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -264,6 +266,28 @@ TEST_F(Workspace, TheMessagesTextsAreLookedUp) {
     ASSERT_EQ(messages.size(), 1U);
     EXPECT_EQ(messages.front(),
               "WORKSPACE_PAGE_NOT_OPENED %@\n\nWORKSPACE_PAGE_ON_CLIPBOARD_FORMAT https://cirrane.example.org");
+}
+
+TEST_F(Workspace, TheTextsAreThoseThatAreTranslated) {
+    std::map<std::string, std::string> said;
+    platform::setWorkspaceTexts([&said](const std::string& key, const std::string& english) {
+        said[key] = english;
+        return english;
+    });
+    const std::string tail(platform::longestOpenedAddress, 'x');
+    for (const std::string address : {"mailto:a@example.org", "https://example.org/"}) {
+        platform::openURL(address);
+        platform::openURL(address + tail);
+    }
+    fs::remove_all(directory.path() / "state");
+    fake::writeFile(directory.path() / "state", "not a folder");
+    platform::openURL(mail);
+
+    const nlohmann::json table = nlohmann::json::parse(fake::readFile(HOST_TABLE));
+    EXPECT_EQ(said.size(), 7U);
+    for (const auto& [key, english] : said) {
+        EXPECT_EQ(table.value(key, ""), english) << key;
+    }
 }
 
 TEST_F(Workspace, AMessageIsABoxThatOneCanCopyFromAndThatWaitsForNobody) {
