@@ -164,6 +164,7 @@ constexpr std::array options{
     Option{"--root", Dashes::OneOrTwo, false, nullptr,
            [](CommandLine& line) { line.mode = line.mode == Mode::WindowId ? Mode::WindowId : Mode::Root; }},
     Option{"--window-id", Dashes::OneOrTwo, false, takeWindowIdentifier, nullptr},
+    Option{"--configure", Dashes::OneOrTwo, false, nullptr, [](CommandLine& line) { line.mode = Mode::Configure; }},
     Option{"--test-error", Dashes::Two, false, takeTestError, nullptr},
     Option{"--headless", Dashes::Two, false, nullptr, [](CommandLine& line) { line.mode = Mode::Headless; }},
     Option{"--size", Dashes::Two, true, takeSize, nullptr},

@@ -31,6 +31,7 @@ enum class Mode {
     Fullscreen,  ///< one view on every screen
     Root,        ///< in the window that the environment names
     WindowId,    ///< in another program's window, as a preview
+    Configure,   ///< a window for the settings, with a preview
     Headless,
     ListDevices,
     Version,

@@ -11,6 +11,7 @@ Slowly drifting, colour-shifting clouds.
   --fullscreen          on every screen, until a key, a button, a touch or a moved pointer
   --root                in the X11 window that XSCREENSAVER_WINDOW names, as screen saver hosts ask
   --window-id N         in that X11 window, as a preview
+  --configure           a window with a preview, the options, and how to have it start by itself
   --test-error CODE[:SUBCODE]
                         show the text of an error instead; nothing is saved
 

@@ -1,9 +1,7 @@
 #include "host/ModuleLoader.hpp"
 
-#include "host/LibraryFile.hpp"
-#include "platform/Bundle.hpp"
-
 #include <dlfcn.h>
+#include "host/LibraryFile.hpp"
 
 #include <array>
 #include <system_error>
@@ -72,6 +70,10 @@ std::variant<const platform::SaverModule*, std::string> loadSaverModule(const st
         return "the saver in " + directory.string() + " does not fit this program";
     }
     return module;
+}
+
+std::shared_ptr<const platform::Bundle> bundleOf(const platform::SaverModule& module) {
+    return platform::Bundle::containing(reinterpret_cast<const void*>(module.createView));
 }
 
 }  // namespace host

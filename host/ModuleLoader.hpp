@@ -1,8 +1,10 @@
 #pragma once
 
+#include "platform/Bundle.hpp"
 #include "platform/SaverModule.hpp"
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <variant>
@@ -13,5 +15,8 @@ namespace host {
 /// the installed one. The module stays loaded to the end of the process. On failure one line that says why.
 std::variant<const platform::SaverModule*, std::string> loadSaverModule(
     const std::optional<std::filesystem::path>& bundle);
+
+/// The bundle that a module was loaded from; null when it came from none.
+std::shared_ptr<const platform::Bundle> bundleOf(const platform::SaverModule& module);
 
 }  // namespace host

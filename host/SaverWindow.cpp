@@ -13,6 +13,7 @@ SaverWindow::SaverWindow(const Showing& showing) : _showing(showing) {
     QPalette black = palette();
     black.setColor(QPalette::Window, Qt::black);
     setPalette(black);
+    setAutoFillBackground(true);
     setWindowTitle(QStringLiteral("Cirrane"));
     _startSoon.setSingleShot(true);
     connect(&_startSoon, &QTimer::timeout, this, [this] { startNow(); });
@@ -91,10 +92,20 @@ void SaverWindow::showErrorCode(const ErrorCode& error) {
     }
 }
 
+void SaverWindow::pause() {
+    _isPaused = true;
+    startOrStop();
+}
+
+void SaverWindow::resume() {
+    _isPaused = false;
+    startOrStop();
+}
+
 /// X11's window managers may unmap a window without a word, and then it counts as not exposed. Elsewhere that says
 /// nothing: a window that its picture covers need not be exposed to be seen.
 bool SaverWindow::isMapped() const {
-    return QGuiApplication::platformName() != QLatin1String("xcb") || windowHandle()->isExposed();
+    return QGuiApplication::platformName() != QLatin1String("xcb") || window()->windowHandle()->isExposed();
 }
 
 /// A start takes a while, so what else has happened comes first: other sizes, other screens, or that the window has to
@@ -124,7 +135,8 @@ void SaverWindow::startNow() {
 }
 
 bool SaverWindow::eventFilter(QObject* object, QEvent* event) {
-    if (event->type() == QEvent::Expose) {
+    const bool isStateOfWidget = event->type() == QEvent::WindowStateChange && object->isWidgetType();
+    if (event->type() == QEvent::Expose || isStateOfWidget) {
         startOrStop();
     }
     return QWidget::eventFilter(object, event);
@@ -133,7 +145,10 @@ bool SaverWindow::eventFilter(QObject* object, QEvent* event) {
 void SaverWindow::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     _isShown = true;
-    windowHandle()->installEventFilter(this);
+    window()->windowHandle()->installEventFilter(this);
+    if (!isWindow()) {
+        window()->installEventFilter(this);  // only it is told that it was minimised
+    }
     if (_view == nullptr && _reason == nullptr) {
         makeView();
     }

@@ -26,9 +26,9 @@ struct Showing {
     std::optional<ErrorCode> testError;
 };
 
-/// A black window that a view of the saver fills. The view is made when the window is first shown, draws while it can
-/// be seen, and is only stopped when it cannot. Whatever goes wrong stands in the window until it is closed. Main
-/// thread.
+/// A black window, or part of another one, that a view of the saver fills. The view is made when the window is first
+/// shown, draws while it can be seen, and is only stopped when it cannot. Whatever goes wrong stands in the window
+/// until it is closed. Main thread.
 class SaverWindow : public QWidget {
 public:
     explicit SaverWindow(const Showing& showing);
@@ -44,6 +44,12 @@ public:
     void showErrorCode(const ErrorCode& error);
     /// Stops and lets go of the view.
     void closeView();
+    /// Counts as not to be seen, until it is resumed.
+    void pause();
+    void resume();
+
+    /// Null before it is shown, and when there is none to be had.
+    platform::ScreenSaverView* view() const { return _view.get(); }
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;
@@ -57,7 +63,7 @@ private:
     void showReason(const std::string& reason);
     bool isMapped() const;
     bool mayReplaceView() const { return _view != nullptr && (_isRecovering || !_view->shownError()); }
-    bool canBeSeen() const { return _isShown && _isUncovered && !isMinimized() && isMapped(); }
+    bool canBeSeen() const { return _isShown && _isUncovered && !_isPaused && !window()->isMinimized() && isMapped(); }
     void startOrStop();
     void startNow();
 
@@ -66,6 +72,7 @@ private:
     QWidget* _reason = nullptr;
     bool _isShown = false;
     bool _isUncovered = true;
+    bool _isPaused = false;
     bool _isRecovering = false;  ///< its view was made anew and has not started yet, or could not
     std::function<void()> _recoveryFailed;
     QTimer _startSoon;

@@ -21,4 +21,8 @@ void runFullscreen(const Showing& showing, const TerminationSignals& signals);
 std::optional<std::string> runInForeignWindow(const Showing& showing, std::uint32_t window,
                                               const TerminationSignals& signals);
 
+/// In a window for the saver's settings, until it is closed; or in none, when another process of this user shows it on
+/// this display already. `line` says what else the saver was asked to do.
+void runConfigure(const CommandLine& line, const Showing& showing, const TerminationSignals& signals);
+
 }  // namespace host

@@ -113,6 +113,8 @@ WindowSystem::WindowSystem(Kind kind) {
     }
     drawsInWindowsOfOthers = kind == Kind::X11Pixels;
     qInstallMessageHandler(passOn);
+    const bool hadWish = qEnvironmentVariableIsSet("QT_QPA_PLATFORM");
+    const QByteArray wish = qgetenv("QT_QPA_PLATFORM");
     qputenv("QT_QPA_PLATFORM", QByteArray::fromStdString(platform));
     if (kind != Kind::Desktop) {
         takeOutScaling();
@@ -120,6 +122,8 @@ WindowSystem::WindowSystem(Kind kind) {
     // A session that ends asks its programs whether they mind, and starts them again with the next one.
     qunsetenv("SESSION_MANAGER");
     _application = std::make_unique<QApplication>(programArgumentCount, programArguments);
+    // What was chosen here is not for the programs that this one starts.
+    hadWish ? qputenv("QT_QPA_PLATFORM", wish) : qunsetenv("QT_QPA_PLATFORM");
     if (kind == Kind::Desktop && platform.ends_with(";offscreen") &&
         QApplication::platformName() == QLatin1String("offscreen")) {
         _failure = "Qt's platform for Wayland is not installed (Debian's package is qt6-wayland)";

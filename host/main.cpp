@@ -2,6 +2,7 @@
 #include "host/HeadlessRun.hpp"
 #include "host/ModuleLoader.hpp"
 #include "host/Number.hpp"
+#include "host/PreferencesWatcher.hpp"
 #include "host/TerminationSignals.hpp"
 #include "host/WindowIdentifier.hpp"
 #include "host/WindowRun.hpp"
@@ -23,6 +24,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -140,6 +142,14 @@ std::variant<std::uint32_t, std::string> foreignWindow(const host::CommandLine& 
     return *window;
 }
 
+/// Other processes change the settings too, such as those that `--configure` runs in.
+std::unique_ptr<host::PreferencesWatcher> watchSettings(const host::LoadedSaver& saver) {
+    const auto* const module = std::get_if<const platform::SaverModule*>(&saver);
+    const auto bundle = module != nullptr ? host::bundleOf(**module) : nullptr;
+    const auto name = bundle != nullptr ? bundle->bundleIdentifier() : std::nullopt;
+    return name ? std::make_unique<host::PreferencesWatcher>(**module, *name) : nullptr;
+}
+
 int runInWindows(const host::CommandLine& line, const host::TerminationSignals& signals) {
     const bool isForeign = line.mode == host::Mode::Root || line.mode == host::Mode::WindowId;
     if (!line.display.empty()) {
@@ -169,14 +179,17 @@ int runInWindows(const host::CommandLine& line, const host::TerminationSignals& 
         platform::setPreferencesStore(platform::makeMemoryPreferencesStore());
     }
 
-    const host::Showing showing{host::loadSaverModule(line.module), line.mode == host::Mode::WindowId, line.testError};
+    const bool isPreview = line.mode == host::Mode::WindowId || line.mode == host::Mode::Configure;
+    const host::Showing showing{host::loadSaverModule(line.module), isPreview, line.testError};
     int status = 0;
     if (const auto* reason = std::get_if<std::string>(&showing.saver)) {
         status = complain(*reason, exitFailure);  // and the window shows it until it is ended
     }
+    const auto watcher = watchSettings(showing.saver);
     std::optional<std::string> failure;
     switch (line.mode) {
         case host::Mode::Fullscreen: host::runFullscreen(showing, signals); break;
+        case host::Mode::Configure: host::runConfigure(line, showing, signals); break;
         case host::Mode::Root:
         case host::Mode::WindowId: failure = host::runInForeignWindow(showing, window, signals); break;
         default: host::runWindow(showing, signals); break;
@@ -198,7 +211,8 @@ int run(const std::vector<std::string_view>& arguments) {
         case host::Mode::Window:
         case host::Mode::Fullscreen:
         case host::Mode::Root:
-        case host::Mode::WindowId: return runInWindows(line, host::TerminationSignals(patienceWithTheEnd));
+        case host::Mode::WindowId:
+        case host::Mode::Configure: return runInWindows(line, host::TerminationSignals(patienceWithTheEnd));
     }
     return exitFailure;
 }

@@ -90,10 +90,10 @@ std::string temporaryName(const std::filesystem::path& path) {
 
 }  // namespace
 
-std::error_code replaceFile(const std::filesystem::path& path, std::span<const std::byte> bytes) {
-    constexpr mode_t readableByAll = 0666;  // less what the user's mask takes away
+std::error_code replaceFile(const std::filesystem::path& path, std::span<const std::byte> bytes, Readers readers) {
+    const mode_t mode = readers == Readers::All ? 0666 : 0600;  // less what the user's mask takes away
     const std::string temporary = temporaryName(path);
-    const int descriptor = open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, readableByAll);
+    const int descriptor = open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
     if (descriptor < 0) {
         return lastError();
     }

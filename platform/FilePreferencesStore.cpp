@@ -10,16 +10,44 @@ FilePreferencesStore::FilePreferencesStore(const std::filesystem::path& file) : 
 
 bool FilePreferencesStore::synchronize() {
     const std::lock_guard lock(_mutex);
-    if (!_changes.empty() && !_file.write(_changes)) {
-        return false;
+    auto texts = _changes.empty() ? std::nullopt : _file.write(_changes);
+    const bool isWritten = _changes.empty() || texts;
+    if (!texts) {
+        texts = _file.read();
     }
-    _changes.clear();
-    auto texts = _file.read();
     if (!texts) {
         return false;
     }
-    _stored = std::move(*texts);
-    return true;
+    if (withChanges(*texts) != _stored) {
+        ++_foreignChangesTakenIn;
+    }
+    if (isWritten) {
+        _changes.clear();
+    }
+    _stored = withChanges(std::move(*texts));
+    return isWritten;
+}
+
+bool FilePreferencesStore::hasForeignChanges() const {
+    const std::lock_guard lock(_mutex);
+    auto texts = _file.read();
+    return texts && withChanges(std::move(*texts)) != _stored;
+}
+
+std::uint64_t FilePreferencesStore::foreignChangesTakenIn() const {
+    const std::lock_guard lock(_mutex);
+    return _foreignChangesTakenIn;
+}
+
+FilePreferencesStore::Texts FilePreferencesStore::withChanges(Texts texts) const {
+    for (const auto& [key, changed] : _changes) {
+        if (changed) {
+            texts[key] = *changed;
+        } else {
+            texts.erase(key);
+        }
+    }
+    return texts;
 }
 
 void FilePreferencesStore::store(const std::string& key, std::optional<std::string> text) {

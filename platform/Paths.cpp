@@ -47,4 +47,8 @@ std::filesystem::path cacheDirectory() {
     return baseDirectory("XDG_CACHE_HOME", ".cache");
 }
 
+std::filesystem::path stateDirectory() {
+    return baseDirectory("XDG_STATE_HOME", ".local/state");
+}
+
 }  // namespace platform

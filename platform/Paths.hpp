@@ -10,5 +10,7 @@ std::filesystem::path homeDirectory();
 std::filesystem::path configDirectory();
 /// `$XDG_CACHE_HOME`, or `.cache` in the home folder when that is unset or not absolute.
 std::filesystem::path cacheDirectory();
+/// `$XDG_STATE_HOME`, or `.local/state` in the home folder when that is unset or not absolute.
+std::filesystem::path stateDirectory();
 
 }  // namespace platform

@@ -214,10 +214,11 @@ public:
 
     const std::filesystem::path& path() const { return _checked; }
 
-    /// Writes the former bytes with the changes. True when they read back so.
-    bool merge(const std::string& former, const PreferencesFile::Changes& changes, Damage damage) const {
+    /// Writes the former bytes with the changes. What the draft then says; none when it does not read back so.
+    std::optional<PreferencesFile::Texts> merge(const std::string& former, const PreferencesFile::Changes& changes,
+                                                Damage damage) const {
         if (replaceFile(_written, std::as_bytes(std::span(former)))) {
-            return false;
+            return {};
         }
         PreferencesFile::Texts wanted;
         {
@@ -226,7 +227,7 @@ public:
                 removeDamage(settings);
             }
             if (!hasKeysOnly(settings)) {
-                return false;  // what QSettings writes for the others is damage again
+                return {};  // what QSettings writes for the others is damage again
             }
             apply(changes, settings);
             wanted = texts(settings);
@@ -234,7 +235,7 @@ public:
         }
         std::error_code error;
         std::filesystem::rename(_written, _checked, error);
-        return !error && PreferencesFile(_checked).read() == wanted;
+        return !error && PreferencesFile(_checked).read() == wanted ? std::optional(wanted) : std::nullopt;
     }
 
 private:
@@ -256,26 +257,25 @@ std::optional<PreferencesFile::Texts> PreferencesFile::read() const {
     return settings.status() != QSettings::AccessError ? std::optional(texts(settings)) : std::nullopt;
 }
 
-bool PreferencesFile::write(const Changes& changes) const {
+std::optional<PreferencesFile::Texts> PreferencesFile::write(const Changes& changes) const {
     if (!mayBeWritten()) {
-        return false;
+        return {};
     }
     const WritersLock lock(_path.parent_path());
     const std::filesystem::path target = resolved(_path);
     const auto former = formerBytes(_path);
     if (lock.isHeldByAnother() || !former) {
-        return false;
+        return {};
     }
     if (isSound(*former)) {
         const Draft draft(target);
-        if (draft.merge(*former, changes, Damage::None)) {
-            return putInPlace(draft.path(), target);
+        if (auto written = draft.merge(*former, changes, Damage::None)) {
+            return putInPlace(draft.path(), target) ? std::move(written) : std::nullopt;
         }
-        // Full disk, or something in the file that QSettings takes as sound but does not write again.
-    }
+    }  // else a full disk, or something in the file that QSettings takes as sound but does not write again
     const Draft draft(target);
-    return draft.merge(isText(*former) ? *former : "", changes, Damage::Removed) && keepAside(*former) &&
-           putInPlace(draft.path(), target);
+    auto written = draft.merge(isText(*former) ? *former : "", changes, Damage::Removed);
+    return written && keepAside(*former) && putInPlace(draft.path(), target) ? std::move(written) : std::nullopt;
 }
 
 bool PreferencesFile::mayBeWritten() const {

@@ -23,8 +23,8 @@ public:
     std::optional<Texts> read() const;
 
     /// Merges changes into the file, which is replaced as a whole, and made with its directory where there was none. A
-    /// damaged one is copied aside (".damaged") before. False when the changes are not in the file.
-    bool write(const Changes& changes) const;
+    /// damaged one is copied aside (".damaged") before. What the file then holds; none when the changes are not in it.
+    std::optional<Texts> write(const Changes& changes) const;
 
 private:
     bool mayBeWritten() const;

@@ -23,6 +23,10 @@ Stores& stores() {
 
 }  // namespace
 
+std::filesystem::path preferencesFileForModule(const std::string& moduleName) {
+    return configDirectory() / (moduleName + ".conf");
+}
+
 std::shared_ptr<PreferencesStore> preferencesForModule(const std::string& moduleName) {
     const std::lock_guard lock(stores().mutex);
     if (stores().inPlaceOfAll) {
@@ -30,7 +34,7 @@ std::shared_ptr<PreferencesStore> preferencesForModule(const std::string& module
     }
     std::shared_ptr<PreferencesStore>& store = stores().byModule[moduleName];
     if (!store) {
-        store = makeFilePreferencesStore(configDirectory() / (moduleName + ".conf"));
+        store = makeFilePreferencesStore(preferencesFileForModule(moduleName));
     }
     return store;
 }

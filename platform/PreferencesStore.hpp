@@ -38,12 +38,19 @@ public:
     /// Writes changes to disk and takes in those of other processes. False when that failed; nothing is lost in memory.
     virtual bool synchronize() = 0;
 
+    /// Whether another process has changed what is stored, and `synchronize` has not taken that in yet.
+    virtual bool hasForeignChanges() const { return false; }
+    /// How many times `synchronize` took in something that another process had changed.
+    virtual std::uint64_t foreignChangesTakenIn() const { return 0; }
+
 protected:
     PreferencesStore() = default;
 };
 
-/// The process's store of that module: `$XDG_CONFIG_HOME/<module>.conf`, or what `setPreferencesStore` put in its
-/// place.
+/// Where the settings of that module are kept: `$XDG_CONFIG_HOME/<module>.conf`.
+std::filesystem::path preferencesFileForModule(const std::string& moduleName);
+
+/// The process's store of that module, in that file, or what `setPreferencesStore` put in its place.
 std::shared_ptr<PreferencesStore> preferencesForModule(const std::string& moduleName);
 
 /// A store in a file of its own. A damaged file is copied aside (".damaged") before the first write.

@@ -135,8 +135,8 @@ public:
     Extent drawableSize() const;
     void setDrawableSize(Extent size);
 
-    /// The next image to draw into, or null when there is no device, no size or no memory. Where frames are drawn faster
-    /// than the window can show them it waits for room, for a second at most; not once frames are held back.
+    /// The next image to draw into, or null when there is no device, no size or no memory. Where frames are drawn
+    /// faster than the window can show them it waits for room, for a second at most; not once frames are held back.
     std::shared_ptr<Drawable> nextDrawable();
 
     /// Shows finished frames in this window from now on. Returns when the former window is no longer used, so that the

@@ -10,8 +10,9 @@ struct xcb_connection_t;
 namespace platform {
 
 /// Watches whether an X11 window can be seen: not where other windows cover all of it, not while a window that it lies
-/// in is hidden, and not while the monitor is off. The window must have been asked for its visibility events. Where a compositing manager runs, windows count as
-/// never covered. Main thread; the connection is the application's own and must outlive it.
+/// in is hidden, and not while the monitor is off. The window must have been asked for its visibility events. Where a
+/// compositing manager runs, windows count as never covered. Main thread; the connection is the application's own and
+/// must outlive it.
 class X11Visibility final : private QAbstractNativeEventFilter {
 public:
     X11Visibility(xcb_connection_t* connection, std::uint32_t window, std::function<void(bool isVisible)> handler);

@@ -157,6 +157,7 @@ TEST(CommandLine, HelpNamesEveryOption) {
 TEST(CommandLine, KnowsTheWaysToShow) {
     EXPECT_EQ(accepted({"--window"}).mode, Mode::Window);
     EXPECT_EQ(accepted({"--fullscreen"}).mode, Mode::Fullscreen);
+    EXPECT_EQ(accepted({"--configure"}).mode, Mode::Configure);
     EXPECT_EQ(accepted({"--root"}).mode, Mode::Root);
     EXPECT_EQ(accepted({"--window-id", "0x3c00007"}).mode, Mode::WindowId);
     EXPECT_EQ(accepted({"--window-id", "0x3c00007"}).windowIdentifier, 0x3c00007U);
@@ -167,6 +168,7 @@ TEST(CommandLine, TakesWhatHostsWriteWithOneDash) {
     EXPECT_EQ(accepted({"-root"}).mode, Mode::Root);
     EXPECT_EQ(accepted({"-window-id", "12"}).windowIdentifier, 12U);
     EXPECT_EQ(accepted({"-window"}).mode, Mode::Window);
+    EXPECT_EQ(accepted({"-configure"}).mode, Mode::Configure);
     EXPECT_EQ(accepted({"-help"}).mode, Mode::Help);
     EXPECT_EQ(accepted({"-version"}).mode, Mode::Version);
     EXPECT_EQ(refused({"-fullscreen"}), "unknown option -fullscreen (--help lists them)");

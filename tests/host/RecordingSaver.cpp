@@ -42,6 +42,11 @@ public:
         add("error " + std::to_string(code) + ":" + std::to_string(subCode));
     }
     std::optional<platform::Error> shownError() const override { return _error; }
+    bool hasConfigureSheet() override { return current->_sheet != nullptr; }
+    QWidget* configureSheet() override {
+        add("sheet");
+        return current->_sheet;
+    }
 
 private:
     static void add(std::string line) { current->_lines.push_back(std::move(line)); }

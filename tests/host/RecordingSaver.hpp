@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+class QWidget;
+
 namespace platform {
 class ScreenSaverView;
 }
@@ -12,7 +14,7 @@ class ScreenSaverView;
 namespace fake {
 
 /// A saver whose views draw nothing and write down what they are asked to do, one line each: "make 640x360 preview",
-/// "start 640x360", "stop", "error 303:0", "end". One at a time. Main thread.
+/// "start 640x360", "stop", "error 303:0", "sheet", "end". One at a time. Main thread.
 class RecordingSaver {
 public:
     RecordingSaver();
@@ -28,6 +30,8 @@ public:
 
     /// From now on every start is an error of code 108.
     void setStartFails(bool startFails) { _startFails = startFails; }
+    /// The views' settings sheet, which the caller owns; null for none.
+    void setSheet(QWidget* sheet) { _sheet = sheet; }
     void setMakesNoView(bool makesNoView) { _makesNoView = makesNoView; }
 
 private:
@@ -36,6 +40,7 @@ private:
 
     std::vector<std::string> _lines;
     platform::ScreenSaverView* _newestView = nullptr;
+    QWidget* _sheet = nullptr;
     bool _startFails = false;
     bool _makesNoView = false;
 };

@@ -86,4 +86,11 @@ TEST_F(FileContents, AReaderSeesOneOfTwoFilesAndNoMixtureOfThem) {
     writer.join();
 }
 
+TEST_F(FileContents, AFileForItsOwnerAloneIsReadByNobodyElse) {
+    ASSERT_FALSE(platform::replaceFile(file, std::as_bytes(std::span("secret")), platform::Readers::OwnerAlone));
+    struct stat status {};
+    ASSERT_EQ(stat(file.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777U, 0600U);
+}
+
 }  // namespace

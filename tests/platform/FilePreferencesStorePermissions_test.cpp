@@ -82,4 +82,21 @@ TEST_F(FilePreferencesStorePermissions, AReadOnlyFileIsReportedAndTheValuesStay)
     EXPECT_EQ(fake::readFile(file), "[General]\nZoom=0.25\n");
 }
 
+TEST_F(FilePreferencesStorePermissions, WhatOthersChangeInAFileThatCannotBeWrittenIsTakenIn) {
+    write("[General]\nZoom=0.25\n");
+    ASSERT_EQ(chmod(directory.path().c_str(), 0777), 0);
+    const auto store = open();
+    write("[General]\nZoom=0.9\nSpeed=0.3\n");
+    ASSERT_EQ(chmod(file.c_str(), 0444), 0);
+    store->setFloat(0.2F, "Speed");
+    {
+        const AsOrdinaryUser user;
+        EXPECT_FALSE(store->synchronize());
+    }
+    EXPECT_EQ(store->floatForKey("Zoom"), 0.9F);
+    EXPECT_EQ(store->floatForKey("Speed"), 0.2F);
+    EXPECT_FALSE(store->hasForeignChanges());
+    EXPECT_EQ(store->foreignChangesTakenIn(), 1U);
+}
+
 }  // namespace

@@ -105,6 +105,44 @@ TEST_F(FilePreferencesStoreSharing, TwoStoresOfOneFileMerge) {
     EXPECT_EQ(one->floatForKey("Speed"), 0.2F);
 }
 
+TEST_F(FilePreferencesStoreSharing, WhatOthersChangeIsToldUntilItIsTakenIn) {
+    const auto store = open();
+    EXPECT_FALSE(store->hasForeignChanges());
+    ASSERT_TRUE(inAnotherProcess([this] {
+        const auto other = open();
+        other->setFloat(0.9F, "Zoom");
+        return other->synchronize();
+    }));
+    EXPECT_TRUE(store->hasForeignChanges());
+    EXPECT_EQ(store->foreignChangesTakenIn(), 0U);
+    EXPECT_TRUE(store->synchronize());
+    EXPECT_FALSE(store->hasForeignChanges());
+    EXPECT_EQ(store->foreignChangesTakenIn(), 1U);
+}
+
+TEST_F(FilePreferencesStoreSharing, WhatWasChangedHereIsNoForeignChange) {
+    const auto store = open();
+    store->setFloat(0.1F, "Zoom");
+    store->setString("a, \"b\"; c=\xff\n", "Journal");
+    EXPECT_FALSE(store->hasForeignChanges());
+    EXPECT_TRUE(store->synchronize());
+    store->removeObjectForKey("Zoom");
+    EXPECT_TRUE(store->synchronize());
+    EXPECT_FALSE(store->hasForeignChanges());
+    EXPECT_EQ(store->foreignChangesTakenIn(), 0U);
+}
+
+TEST_F(FilePreferencesStoreSharing, WhatOthersChangedIsTakenInAlsoByOneWhoWrites) {
+    const auto store = open();
+    const auto other = open();
+    other->setFloat(0.9F, "Zoom");
+    EXPECT_TRUE(other->synchronize());
+    store->setFloat(0.2F, "Colors");
+    EXPECT_TRUE(store->synchronize());
+    EXPECT_EQ(store->foreignChangesTakenIn(), 1U);
+    EXPECT_EQ(store->floatForKey("Zoom"), 0.9F);
+}
+
 constexpr int rounds = 12;
 
 /// Whether every text of the store is a whole one: letters of one kind, as many as its key says.

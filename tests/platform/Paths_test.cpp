@@ -18,6 +18,7 @@ protected:
     fake::ScopedEnvironment home{"HOME", std::nullopt};
     fake::ScopedEnvironment settings{"XDG_CONFIG_HOME", std::nullopt};
     fake::ScopedEnvironment caches{"XDG_CACHE_HOME", std::nullopt};
+    fake::ScopedEnvironment state{"XDG_STATE_HOME", std::nullopt};
 };
 
 TEST_F(Paths, TheHomeFolderIsTheEnvironments) {
@@ -50,18 +51,21 @@ TEST_F(Paths, TheHomeFolderOfAUserUnknownToThePasswordDatabaseIsTheRoot) {
     EXPECT_EQ(status, 0);
 }
 
-TEST_F(Paths, SettingsAndCachesLieInTheirOwnDirectories) {
+TEST_F(Paths, SettingsCachesAndStateLieInTheirOwnDirectories) {
     home.set("/home/somebody");
     settings.set("/settings");
     caches.set("/caches");
+    state.set("/state");
     EXPECT_EQ(platform::configDirectory(), "/settings");
     EXPECT_EQ(platform::cacheDirectory(), "/caches");
+    EXPECT_EQ(platform::stateDirectory(), "/state");
 }
 
-TEST_F(Paths, SettingsAndCachesLieInTheHomeFolderWhenNothingElseIsSaid) {
+TEST_F(Paths, SettingsCachesAndStateLieInTheHomeFolderWhenNothingElseIsSaid) {
     home.set("/home/somebody");
     EXPECT_EQ(platform::configDirectory(), "/home/somebody/.config");
     EXPECT_EQ(platform::cacheDirectory(), "/home/somebody/.cache");
+    EXPECT_EQ(platform::stateDirectory(), "/home/somebody/.local/state");
 }
 
 TEST_F(Paths, ADirectoryThatIsEmptyOrNotAbsoluteCountsAsUnset) {

@@ -31,8 +31,8 @@ public:
 
     bool hasWaitingFrames();
 
-    /// Gives up the frames that wait, and the one that is being shown where its copy has not begun. Returns when none is
-    /// being shown; after a while also when the window is stuck. The next call of `show` ends that.
+    /// Gives up the frames that wait, and the one that is being shown where its copy has not begun. Returns when none
+    /// is being shown; after a while also when the window is stuck. The next call of `show` ends that.
     void withhold();
 
     /// Gives up the frame that has waited longest if nobody but the presenter holds it. False when there is none such.
