@@ -1,7 +1,7 @@
 # What the project calls; docs/architecture.md says why each was chosen.
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
-find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Network Widgets)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Network UiTools Widgets)
 find_package(fmt REQUIRED)
 find_package(PNG REQUIRED)
 find_package(nlohmann_json REQUIRED)

@@ -246,6 +246,7 @@ public:
 
     class Controller final : public platform::WindowController {
     public:
+        Controller() : WindowController(nullptr, {}) {}
         QWidget* window() override { return &_window; }
 
     private:
