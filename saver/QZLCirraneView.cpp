@@ -1,5 +1,6 @@
 #include "saver/QZLCirraneView.hpp"
 
+#include "saver/QZLCirraneController.hpp"
 #include "settings/QZLDefaultsManager.hpp"
 
 QZLCirraneView::QZLCirraneView(const platform::Rect& frame, bool isPreview)
@@ -7,6 +8,10 @@ QZLCirraneView::QZLCirraneView(const platform::Rect& frame, bool isPreview)
     setErrorFontName("Georgia");
     setMultiScreen(QZLDefaultsManager::sharedInstance().multiScreen());
     setShowDiagnostics(QZLDefaultsManager::sharedInstance().diagnostics());
+}
+
+std::unique_ptr<platform::WindowController> QZLCirraneView::createConfigureController() {
+    return std::make_unique<QZLCirraneController>();
 }
 
 /// Whether more than one screen draws is settled when a view is made.

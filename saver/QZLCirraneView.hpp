@@ -9,6 +9,7 @@ class QZLCirraneView final : public QZLScreenSaverView {
 public:
     QZLCirraneView(const platform::Rect& frame, bool isPreview);
 
+    std::unique_ptr<platform::WindowController> createConfigureController() override;
     void configurationChanged() override;
     bool errorIsReportable(std::int64_t code) const override;
     void showErrorCode(std::int64_t code, std::int64_t subCode) override;
