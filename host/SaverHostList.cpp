@@ -65,7 +65,7 @@ SaverHostList::SaverHostList(const std::vector<SaverHost>& hosts, const HostText
 
 /// All of it, where that is not too much to ask.
 QSize SaverHostList::sizeHint() const {
-    constexpr int mostLines = 14;
+    constexpr int mostLines = 10;
     const QSize whole = widget()->sizeHint();
     return {whole.width(), qMin(whole.height(), mostLines * fontMetrics().lineSpacing())};
 }

@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QtGui/QImage>
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLineEdit>
@@ -232,6 +233,23 @@ TEST_F(ConfigureWindowTest, EverythingThatTakesTheFocusHasAName) {
     EXPECT_EQ(line->accessibleName(), "Line for XScreenSaver");
     EXPECT_EQ(line->text(), "a line to copy");
     EXPECT_TRUE(line->isReadOnly());
+}
+
+TEST_F(ConfigureWindowTest, IsAsDarkAsTheDesktop) {
+    const QPalette light = QApplication::palette();
+    QApplication::setPalette(QPalette(QColor(40, 40, 44)));
+    open();
+    for (const QWidget* const widget : window->findChildren<QWidget*>()) {
+        const bool isPreview = widget->accessibleName() == QStringLiteral("Preview") || widget == saver.newestView();
+        const QPalette& palette = widget->palette();
+        if (!isPreview && widget->isEnabled()) {
+            EXPECT_LT(palette.color(widget->backgroundRole()).lightness(), 128) << widget->metaObject()->className();
+            EXPECT_GT(palette.color(widget->foregroundRole()).lightness(), 128) << widget->metaObject()->className();
+        }
+    }
+    const QImage picture = window->grab().toImage();
+    EXPECT_LT(picture.pixelColor(2, picture.height() - 3).lightness(), 60);
+    QApplication::setPalette(light);
 }
 
 class ConfigureWindowFonts : public ConfigureWindowTest, public testing::WithParamInterface<int> {};
