@@ -73,9 +73,14 @@ Process::Process(const std::vector<std::string>& command, const std::vector<std:
 
     std::vector<std::string> arguments = command;
     std::vector<std::string> variables = changedEnvironment(environment);
-    const int result = posix_spawn(&_pid, arguments.front().c_str(), &actions, nullptr, pointers(arguments).data(),
+    pid_t started = -1;
+    const int result = posix_spawn(&started, arguments.front().c_str(), &actions, nullptr, pointers(arguments).data(),
                                    pointers(variables).data());
-    EXPECT_EQ(result, 0) << arguments.front();
+    if (result == 0) {
+        _pid = started;
+    } else {
+        ADD_FAILURE() << arguments.front() << " cannot be started: " << std::generic_category().message(result);
+    }
     posix_spawn_file_actions_destroy(&actions);
     close(output[1]);
     close(error[1]);
@@ -87,22 +92,24 @@ Process::Process(const std::vector<std::string>& command, const std::vector<std:
 
 Process::~Process() {
     if (isRunning()) {
-        kill(_pid, SIGKILL);
-        waitpid(_pid, nullptr, 0);
+        kill(*_pid, SIGKILL);
+        waitpid(*_pid, nullptr, 0);
     }
     closeOutput();
 }
 
 void Process::sendSignal(int signal) const {
-    kill(_pid, signal);
+    if (_pid && !_status) {
+        kill(*_pid, signal);
+    }
 }
 
 bool Process::isRunning() {
     int status = 0;
-    if (!_status && waitpid(_pid, &status, WNOHANG) == _pid) {
+    if (_pid && !_status && waitpid(*_pid, &status, WNOHANG) == *_pid) {
         _status = status;
     }
-    return !_status;
+    return _pid && !_status;
 }
 
 const std::string& Process::standardOutput() {
@@ -120,7 +127,7 @@ void Process::closeOutput() {
 
 bool Process::isDrawing() const {
     std::error_code gone;
-    const auto threads = std::filesystem::directory_iterator("/proc/" + std::to_string(_pid) + "/task", gone);
+    const auto threads = std::filesystem::directory_iterator("/proc/" + std::to_string(identifier()) + "/task", gone);
     return std::ranges::any_of(threads, [](const std::filesystem::directory_entry& thread) {
         std::string name;
         std::getline(std::ifstream(thread.path() / "comm"), name);
@@ -140,7 +147,7 @@ std::optional<ProcessEnd> Process::waitForEnd(std::chrono::milliseconds deadline
             return !isRunning();
         },
         deadline);
-    if (!ended) {
+    if (!ended || !_status) {
         return {};
     }
     readOutput();

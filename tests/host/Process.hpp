@@ -17,7 +17,8 @@ struct ProcessEnd {
     std::string standardError;
 };
 
-/// A child process whose output is collected. Killed when this object goes before the process has ended.
+/// A child process whose output is collected. Killed when this object goes before the process has ended. One that could
+/// not be started fails the test and counts as not running and without an end.
 class Process {
 public:
     /// Environment entries "NAME=value" are added to the test's own; "NAME" alone is taken out.
@@ -26,7 +27,9 @@ public:
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
 
-    pid_t identifier() const { return _pid; }
+    /// -1 when it could not be started.
+    pid_t identifier() const { return _pid.value_or(-1); }
+    /// Does nothing when it is known to have ended: its number may be somebody else's by now.
     void sendSignal(int signal) const;
     bool isRunning();
     /// Whether a display link's thread asks it for frames.
@@ -41,7 +44,7 @@ public:
 private:
     void readOutput();
 
-    pid_t _pid = -1;
+    std::optional<pid_t> _pid;
     int _outputPipe = -1;
     int _errorPipe = -1;
     std::optional<int> _status;
