@@ -17,12 +17,22 @@ struct ProcessEnd {
     std::string standardError;
 };
 
+/// What becomes of what a process writes until somebody asks for it.
+enum class Output {
+    /// It waits in pipes, which hold little: for processes that are asked, or end, before they have written much.
+    Pipes,
+    /// It waits in files, for processes that live as long as a test and may talk all the while. When the test has
+    /// failed, it is printed.
+    Files
+};
+
 /// A child process whose output is collected. Killed when this object goes before the process has ended. One that could
 /// not be started fails the test and counts as not running and without an end.
 class Process {
 public:
     /// Environment entries "NAME=value" are added to the test's own; "NAME" alone is taken out.
-    explicit Process(const std::vector<std::string>& command, const std::vector<std::string>& environment = {});
+    explicit Process(const std::vector<std::string>& command, const std::vector<std::string>& environment = {},
+                     Output output = Output::Pipes);
     ~Process();
     Process(const Process&) = delete;
     Process& operator=(const Process&) = delete;
@@ -36,17 +46,20 @@ public:
     bool isDrawing() const;
     /// What it has written so far.
     const std::string& standardOutput();
-    /// From here on nobody reads what it writes.
+    /// From here on nobody reads what it writes into pipes.
     void closeOutput();
     /// Waits for the end; nothing when the deadline passes first.
     std::optional<ProcessEnd> waitForEnd(std::chrono::milliseconds deadline = std::chrono::seconds(60));
 
 private:
     void readOutput();
+    void printOutput();
 
+    const std::string _name;
+    const Output _output;
     std::optional<pid_t> _pid;
-    int _outputPipe = -1;
-    int _errorPipe = -1;
+    int _standardOutput = -1;
+    int _standardError = -1;
     std::optional<int> _status;
     ProcessEnd _end;
 };

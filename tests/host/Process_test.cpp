@@ -38,6 +38,15 @@ TEST(Process, ThatIsEndedBySignalTellsWhich) {
     EXPECT_FALSE(process.isRunning());
 }
 
+TEST(Process, ThatTalksAllTheWhileIsNotHeldUp) {
+    constexpr std::size_t much = 1'000'000;  // many times what a pipe holds
+    fake::Process process({"/bin/sh", "-c", "head -c 1000000 /dev/zero >&2; echo done; exec cat /dev/zero >/dev/null"},
+                          {}, fake::Output::Files);
+    EXPECT_TRUE(fake::eventually([&] { return process.standardOutput() == "done\n"; }));
+    process.sendSignal(SIGTERM);
+    EXPECT_EQ(process.waitForEnd().value_or(fake::ProcessEnd{}).standardError.size(), much);
+}
+
 TEST(Process, ThatCannotBeStartedIsAFailureAndHasNoEnd) {
     const auto impossible = makeImpossibleProcess();
     EXPECT_FALSE(impossible->isRunning());

@@ -39,8 +39,9 @@ std::vector<std::string> modeLine(Size size) {
 }  // namespace
 
 XServer::XServer(Size largest)
-    : _process(endingWithTest(
-          {"/usr/bin/Xvfb", "-displayfd", "1", "-screen", "0", text(largest) + "x24", "-nolisten", "tcp", "-noreset"})),
+    : _process(endingWithTest({"/usr/bin/Xvfb", "-displayfd", "1", "-screen", "0", text(largest) + "x24", "-nolisten",
+                               "tcp", "-noreset"}),
+               {}, fake::Output::Files),
       _modes{text(largest)} {
     const bool isReady = fake::eventually([&] { return _process.standardOutput().ends_with('\n'); });
     if (!isReady) {
