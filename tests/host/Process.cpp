@@ -156,6 +156,17 @@ void Process::closeOutput() {
     }
 }
 
+bool Process::hasLoaded(const std::string& file) const {
+    std::ifstream mappings("/proc/" + std::to_string(identifier()) + "/maps");
+    std::string line;
+    while (std::getline(mappings, line)) {
+        if (line.find(file) != std::string::npos) {
+            return true;
+        }
+    }
+    return false;
+}
+
 bool Process::isDrawing() const {
     std::error_code gone;
     const auto threads = std::filesystem::directory_iterator("/proc/" + std::to_string(identifier()) + "/task", gone);

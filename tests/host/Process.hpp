@@ -42,6 +42,8 @@ public:
     /// Does nothing when it is known to have ended: its number may be somebody else's by now.
     void sendSignal(int signal) const;
     bool isRunning();
+    /// Whether a file whose path has that in it, a program or a library, is in its memory.
+    bool hasLoaded(const std::string& file) const;
     /// Whether a display link's thread asks it for frames.
     bool isDrawing() const;
     /// What it has written so far.
