@@ -8,11 +8,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <system_error>
 #include <utility>
@@ -156,27 +153,6 @@ void Process::closeOutput() {
     }
 }
 
-bool Process::hasLoaded(const std::string& file) const {
-    std::ifstream mappings("/proc/" + std::to_string(identifier()) + "/maps");
-    std::string line;
-    while (std::getline(mappings, line)) {
-        if (line.find(file) != std::string::npos) {
-            return true;
-        }
-    }
-    return false;
-}
-
-bool Process::isDrawing() const {
-    std::error_code gone;
-    const auto threads = std::filesystem::directory_iterator("/proc/" + std::to_string(identifier()) + "/task", gone);
-    return std::ranges::any_of(threads, [](const std::filesystem::directory_entry& thread) {
-        std::string name;
-        std::getline(std::ifstream(thread.path() / "comm"), name);
-        return name == "display-link";
-    });
-}
-
 void Process::readOutput() {
     drain(_standardOutput, _end.standardOutput);
     drain(_standardError, _end.standardError);
@@ -208,6 +184,11 @@ std::optional<ProcessEnd> Process::waitForEnd(std::chrono::milliseconds deadline
         _end.signal = WTERMSIG(*_status);
     }
     return _end;
+}
+
+std::vector<std::string> endingWithTest(std::vector<std::string> command) {
+    command.insert(command.begin(), {"/usr/bin/setpriv", "--pdeathsig", "TERM"});
+    return command;
 }
 
 std::string cirraneProgram() {

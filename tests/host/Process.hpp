@@ -2,7 +2,9 @@
 
 #include <sys/types.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -66,6 +68,12 @@ private:
     ProcessEnd _end;
 };
 
+/// That command, ended when the test that starts it goes in whatever way.
+std::vector<std::string> endingWithTest(std::vector<std::string> command);
+
+/// Looks until a process has next to nothing to do for half a second.
+bool becomesIdle(pid_t process);
+
 /// Runs the program under test to its end.
 ProcessEnd runCirrane(const std::vector<std::string>& arguments, const std::vector<std::string>& environment = {});
 std::string cirraneProgram();
@@ -82,6 +90,13 @@ bool eventually(Condition condition, std::chrono::milliseconds deadline = std::c
         nanosleep(&pause, nullptr);
     }
     return true;
+}
+
+/// The one in the middle, of an odd number of times.
+template <typename Duration>
+Duration median(std::vector<Duration> times) {
+    std::ranges::nth_element(times, times.begin() + static_cast<std::ptrdiff_t>(times.size() / 2));
+    return times[times.size() / 2];
 }
 
 }  // namespace fake
