@@ -172,6 +172,11 @@ public:
         }
         return all;
     }
+    bool isMapped(xcb_window_t window) const {
+        const Reply<xcb_get_window_attributes_reply_t> reply(
+            xcb_get_window_attributes_reply(_connection, xcb_get_window_attributes(_connection, window), nullptr));
+        return reply != nullptr && reply->map_state == XCB_MAP_STATE_VIEWABLE;
+    }
     /// What anybody has selected on a window.
     std::uint32_t selectedEvents(xcb_window_t window) const {
         const Reply<xcb_get_window_attributes_reply_t> attributes(
@@ -275,12 +280,6 @@ private:
         }
         return {static_cast<const char*>(xcb_get_property_value(reply.get())),
                 static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
-    }
-
-    bool isMapped(xcb_window_t window) const {
-        const Reply<xcb_get_window_attributes_reply_t> reply(
-            xcb_get_window_attributes_reply(_connection, xcb_get_window_attributes(_connection, window), nullptr));
-        return reply != nullptr && reply->map_state == XCB_MAP_STATE_VIEWABLE;
     }
 
     xcb_keycode_t keycodeOf(std::uint32_t keysym) const {

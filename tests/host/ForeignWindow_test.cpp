@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <functional>
 #include <memory>
 
 namespace {
@@ -157,10 +158,25 @@ TEST_F(ForeignWindow, WhoseOwnerManagesWhatIsInItIsFilledAndFollowed) {
 }
 
 TEST_F(ForeignWindow, ThatIsDestroyedAtAnyMomentOfTheStartEndsTheProgramQuietly) {
-    for (int moment = 0; moment < 10; ++moment) {
-        const xcb_window_t brief = _display.makeWindow(300, 200, 0);
+    xcb_window_t brief = 0;
+    const std::function<bool()> momentsOfTheStart[] = {
+        [this] { return _process->isRunning(); },
+        [this] { return _process->hasLoaded("/libQt6Core.so"); },
+        [this] { return _process->hasLoaded("/libqxcb.so"); },  // on its way to the display
+        [this] { return _process->hasLoaded("/libvulkan.so"); },
+        [this] { return _process->hasLoaded("/libvulkan_lvp.so"); },
+        [&] { return !_display.windowsBelow(brief).empty(); },
+        [&] {
+            return std::ranges::any_of(_display.windowsBelow(brief),
+                                       [this](xcb_window_t inside) { return _display.isMapped(inside); });
+        },
+        [this] { return _process->isDrawing(); },
+    };
+    for (const auto& hasCome : momentsOfTheStart) {
+        const auto moment = &hasCome - momentsOfTheStart;
+        brief = _display.makeWindow(300, 200, 0);
         start({"--window-id", hexadecimal(brief)});
-        fake::eventually([] { return false; }, std::chrono::milliseconds(20 * moment));
+        ASSERT_TRUE(fake::eventually(hasCome)) << moment;
         _display.destroy(brief);
         const auto end = _process->waitForEnd(std::chrono::seconds(20));
         ASSERT_TRUE(end) << moment;

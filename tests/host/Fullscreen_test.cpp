@@ -47,7 +47,7 @@ TEST_F(Fullscreen, CoversTheScreen) {
     const auto window = _display.findWindow("Cirrane");
     EXPECT_EQ(_display.sizeOf(*window), (std::pair<std::uint16_t, std::uint16_t>(1920, 1080)));
     _process->sendSignal(SIGTERM);
-    EXPECT_EQ(_process->waitForEnd()->signal, SIGTERM);
+    EXPECT_EQ(_process->waitForEnd().value_or(fake::ProcessEnd{}).signal, SIGTERM);
 }
 
 TEST_F(Fullscreen, AKeyEndsIt) {

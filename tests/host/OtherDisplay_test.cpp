@@ -1,5 +1,5 @@
 // The program on an X server that only it uses.
-#include "tests/host/Process.hpp"
+#include "tests/host/VirtualServer.hpp"
 
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -11,22 +11,11 @@ namespace {
 
 class OtherDisplay : public testing::Test {
 protected:
-    OtherDisplay()
-        : _server({"/usr/bin/Xvfb", "-displayfd", "1", "-screen", "0", "1280x960x24", "-nolisten", "tcp", "-noreset"}) {
-    }
-
-    void SetUp() override {
-        ASSERT_TRUE(fake::eventually([this] { return _server.standardOutput().ends_with('\n'); }));
-        _name = ":" + _server.standardOutput();
-        _name.pop_back();
-    }
-
-    fake::Process _server;
-    std::string _name;
+    fake::VirtualServer _server;
 };
 
 TEST_F(OtherDisplay, ThatTheCommandLineNamesIsTheOne) {
-    fake::Process program({fake::cirraneProgram(), "-display", _name},
+    fake::Process program({fake::cirraneProgram(), "-display", _server.name()},
                           {"DISPLAY", "WAYLAND_DISPLAY=wayland-0", "QT_QPA_PLATFORM=wayland"});
     EXPECT_TRUE(fake::eventually([&] { return program.isDrawing(); }));
     program.sendSignal(SIGTERM);
@@ -34,9 +23,9 @@ TEST_F(OtherDisplay, ThatTheCommandLineNamesIsTheOne) {
 }
 
 TEST_F(OtherDisplay, ThatStandsStillDoesNotHoldUpTheEnd) {
-    fake::Process program({fake::cirraneProgram()}, {"DISPLAY=" + _name, "WAYLAND_DISPLAY"});
+    fake::Process program({fake::cirraneProgram()}, {"DISPLAY=" + _server.name(), "WAYLAND_DISPLAY"});
     ASSERT_TRUE(fake::eventually([&] { return program.isDrawing(); }));
-    _server.sendSignal(SIGSTOP);
+    _server.freeze();
     program.sendSignal(SIGTERM);
     const auto end = program.waitForEnd();
     ASSERT_TRUE(end) << "it waits for the server";

@@ -4,13 +4,13 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
-#include <filesystem>
-#include <fstream>
+#include <cerrno>
+#include <iostream>
 #include <system_error>
 #include <utility>
 
@@ -48,61 +48,96 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
     return result;
 }
 
+/// The two ends of what a process writes: where the test reads it, and where the process writes it.
+struct Stream {
+    int reading = -1;
+    int writing = -1;
+};
+
+std::optional<Stream> makeStream(Output output) {
+    if (output == Output::Files) {
+        const int file = memfd_create("output", MFD_CLOEXEC);
+        const int copy = fcntl(file, F_DUPFD_CLOEXEC, 0);
+        return copy >= 0 ? std::optional(Stream{file, copy}) : std::nullopt;
+    }
+    std::array<int, 2> ends{};
+    if (pipe2(ends.data(), O_CLOEXEC) != 0) {
+        return {};
+    }
+    fcntl(ends[0], F_SETFL, O_NONBLOCK);
+    return Stream{ends[0], ends[1]};
+}
+
+/// Files are read from where the last time ended, because their own place is where the process writes.
+ssize_t readMore(int fileDescriptor, const std::string& soFar, std::array<char, 4096>& bytes) {
+    const ssize_t count = pread(fileDescriptor, bytes.data(), bytes.size(), static_cast<off_t>(soFar.size()));
+    return count < 0 && errno == ESPIPE ? read(fileDescriptor, bytes.data(), bytes.size()) : count;
+}
+
 void drain(int fileDescriptor, std::string& into) {
-    std::array<char, 4096> bytes;
+    std::array<char, 4096> bytes{};
     ssize_t count = 0;
-    while ((count = read(fileDescriptor, bytes.data(), bytes.size())) > 0) {
+    while ((count = readMore(fileDescriptor, into, bytes)) > 0) {
         into.append(bytes.data(), static_cast<std::size_t>(count));
     }
 }
 
 }  // namespace
 
-Process::Process(const std::vector<std::string>& command, const std::vector<std::string>& environment) {
-    std::array<int, 2> output{};
-    std::array<int, 2> error{};
-    if (pipe2(output.data(), O_CLOEXEC) != 0 || pipe2(error.data(), O_CLOEXEC) != 0) {
-        ADD_FAILURE() << "no pipes";
+Process::Process(const std::vector<std::string>& command, const std::vector<std::string>& environment, Output output)
+    : _name(command.front()), _output(output) {
+    const auto outputStream = makeStream(output);
+    const auto errorStream = makeStream(output);
+    if (!outputStream || !errorStream) {
+        ADD_FAILURE() << "no streams for " << _name;
         return;
     }
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, 0, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_adddup2(&actions, output[1], 1);
-    posix_spawn_file_actions_adddup2(&actions, error[1], 2);
+    posix_spawn_file_actions_adddup2(&actions, outputStream->writing, 1);
+    posix_spawn_file_actions_adddup2(&actions, errorStream->writing, 2);
 
     std::vector<std::string> arguments = command;
     std::vector<std::string> variables = changedEnvironment(environment);
-    const int result = posix_spawn(&_pid, arguments.front().c_str(), &actions, nullptr, pointers(arguments).data(),
+    pid_t started = -1;
+    const int result = posix_spawn(&started, arguments.front().c_str(), &actions, nullptr, pointers(arguments).data(),
                                    pointers(variables).data());
-    EXPECT_EQ(result, 0) << arguments.front();
+    if (result == 0) {
+        _pid = started;
+    } else {
+        ADD_FAILURE() << _name << " cannot be started: " << std::generic_category().message(result);
+    }
     posix_spawn_file_actions_destroy(&actions);
-    close(output[1]);
-    close(error[1]);
-    _outputPipe = output[0];
-    _errorPipe = error[0];
-    fcntl(_outputPipe, F_SETFL, O_NONBLOCK);
-    fcntl(_errorPipe, F_SETFL, O_NONBLOCK);
+    close(outputStream->writing);
+    close(errorStream->writing);
+    _standardOutput = outputStream->reading;
+    _standardError = errorStream->reading;
 }
 
 Process::~Process() {
     if (isRunning()) {
-        kill(_pid, SIGKILL);
-        waitpid(_pid, nullptr, 0);
+        kill(*_pid, SIGKILL);
+        waitpid(*_pid, nullptr, 0);
+    }
+    if (_output == Output::Files && testing::Test::HasFailure()) {
+        printOutput();
     }
     closeOutput();
 }
 
 void Process::sendSignal(int signal) const {
-    kill(_pid, signal);
+    if (_pid && !_status) {
+        kill(*_pid, signal);
+    }
 }
 
 bool Process::isRunning() {
     int status = 0;
-    if (!_status && waitpid(_pid, &status, WNOHANG) == _pid) {
+    if (_pid && !_status && waitpid(*_pid, &status, WNOHANG) == *_pid) {
         _status = status;
     }
-    return !_status;
+    return _pid && !_status;
 }
 
 const std::string& Process::standardOutput() {
@@ -111,26 +146,25 @@ const std::string& Process::standardOutput() {
 }
 
 void Process::closeOutput() {
-    for (int* pipe : {&_outputPipe, &_errorPipe}) {
-        if (*pipe >= 0) {
-            close(std::exchange(*pipe, -1));
+    for (int* stream : {&_standardOutput, &_standardError}) {
+        if (*stream >= 0) {
+            close(std::exchange(*stream, -1));
         }
     }
 }
 
-bool Process::isDrawing() const {
-    std::error_code gone;
-    const auto threads = std::filesystem::directory_iterator("/proc/" + std::to_string(_pid) + "/task", gone);
-    return std::ranges::any_of(threads, [](const std::filesystem::directory_entry& thread) {
-        std::string name;
-        std::getline(std::ifstream(thread.path() / "comm"), name);
-        return name == "display-link";
-    });
+void Process::readOutput() {
+    drain(_standardOutput, _end.standardOutput);
+    drain(_standardError, _end.standardError);
 }
 
-void Process::readOutput() {
-    drain(_outputPipe, _end.standardOutput);
-    drain(_errorPipe, _end.standardError);
+void Process::printOutput() {
+    readOutput();
+    for (const std::string* text : {&_end.standardOutput, &_end.standardError}) {
+        if (!text->empty()) {
+            std::cerr << _name << " wrote:\n" << *text << '\n';
+        }
+    }
 }
 
 std::optional<ProcessEnd> Process::waitForEnd(std::chrono::milliseconds deadline) {
@@ -140,7 +174,7 @@ std::optional<ProcessEnd> Process::waitForEnd(std::chrono::milliseconds deadline
             return !isRunning();
         },
         deadline);
-    if (!ended) {
+    if (!ended || !_status) {
         return {};
     }
     readOutput();
@@ -150,6 +184,11 @@ std::optional<ProcessEnd> Process::waitForEnd(std::chrono::milliseconds deadline
         _end.signal = WTERMSIG(*_status);
     }
     return _end;
+}
+
+std::vector<std::string> endingWithTest(std::vector<std::string> command) {
+    command.insert(command.begin(), {"/usr/bin/setpriv", "--pdeathsig", "TERM"});
+    return command;
 }
 
 std::string cirraneProgram() {

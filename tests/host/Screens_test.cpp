@@ -1,7 +1,8 @@
-// The program on more than one screen: the X server's one is told to be several monitors.
+// The program on more than one screen: an X server's one is told to be several monitors.
 #include "tests/host/Display.hpp"
 #include "tests/host/Pixels.hpp"
 #include "tests/host/Process.hpp"
+#include "tests/host/VirtualServer.hpp"
 #include "tests/support/Files.hpp"
 #include "tests/support/TemporaryDirectory.hpp"
 
@@ -9,6 +10,7 @@
 #include <signal.h>
 
 #include <algorithm>
+#include <chrono>
 #include <memory>
 #include <string>
 #include <vector>
@@ -27,12 +29,6 @@ protected:
         _display.movePointer(200, 200);
         addMonitor("left", left, "screen");
         addMonitor("right", right, "none");
-    }
-    ~Screens() override {
-        _process.reset();
-        for (const char* name : {"left", "right"}) {
-            removeMonitor(name);
-        }
     }
 
     /// `output` is the one that it takes a part of; those of "none" are monitors all the same.
@@ -63,6 +59,11 @@ protected:
     bool areCovered(const Places& places) const {
         return fake::eventually([&] { return coveredPlaces() == places; });
     }
+    std::chrono::milliseconds timeUntilCovered(const Places& places) const {
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_TRUE(areCovered(places));
+        return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
+    }
     bool hasClouds(const Place& place) const {
         return fake::eventually([&] { return fake::brightness(_display.pixels(place)) > 30.0; });
     }
@@ -81,6 +82,11 @@ protected:
                         std::string("[General]\nMultiScreen=") + (multiScreen ? "true" : "false") + "\n");
     }
 
+    /// Made first: what opens the display after it opens this one.
+    class Server : public fake::VirtualServer {
+    public:
+        Server() : VirtualServer("1920x1080") { useAsDisplay(); }
+    } _server;
     fake::TemporaryDirectory _home;
     fake::Display _display;
     std::unique_ptr<fake::Process> _process;
@@ -125,6 +131,25 @@ TEST_F(Screens, ThatGoTakeTheirWindowsWithThemAndGetOneWhenTheyComeBack) {
     expectCleanEnd();
 }
 
+/// The medians, because a busy machine may hold up any one round.
+TEST_F(Screens, ThatComeAndGoGetAndLoseTheirWindowsWithinASecond) {
+    setMultiScreen(true);
+    start({"--fullscreen"});
+    ASSERT_TRUE(areCovered({left, right}));
+    ASSERT_TRUE(hasClouds(right));
+    std::vector<std::chrono::milliseconds> goings;
+    std::vector<std::chrono::milliseconds> comings;
+    for (int round = 0; round < 7; ++round) {
+        removeMonitor("right");
+        goings.push_back(timeUntilCovered({left}));
+        addMonitor("right", right, "none");
+        comings.push_back(timeUntilCovered({left, right}));
+    }
+    EXPECT_LT(fake::median(goings), std::chrono::seconds(1));
+    EXPECT_LT(fake::median(comings), std::chrono::seconds(1));
+    expectCleanEnd();
+}
+
 TEST_F(Screens, ThatAreAllReplacedByAnotherLeaveTheirWindowsToIt) {
     start({"--fullscreen"});
     ASSERT_TRUE(areCovered({left, right}));
@@ -156,13 +181,14 @@ TEST_F(Screens, AWindowOfOthersBelongsToTheOneThatItLiesOn) {
 
     _display.place(window, 450, 0);
     start({"--root"}, environment);
-    for (const std::uint16_t width : {210, 220}) {  // having followed twice, it has long been started
+    for (const std::uint16_t width : {210, 220}) {
         _display.resize(window, width, 200);
         EXPECT_TRUE(fake::eventually([&] {
             const auto inside = _display.windowsBelow(window);
             return !inside.empty() && _display.sizeOf(inside.front()).first == width;
         }));
     }
+    EXPECT_TRUE(fake::becomesIdle(_process->identifier())) << "it has nothing more to do";
     EXPECT_FALSE(_process->isDrawing()) << "screens other than the first stay black";
     expectCleanEnd();
     _display.destroy(window);

@@ -37,7 +37,7 @@ std::vector<std::string> Compositor::environment() const {
 void Compositor::start(const std::vector<std::string>& command, const std::vector<std::string>& additions) {
     std::vector<std::string> variables = environment() + additions;
     variables.emplace_back("WAYLAND_DISPLAY");  // it is to make that display, not to run on it
-    _process = std::make_unique<fake::Process>(endingWithTest(command), variables);
+    _process = std::make_unique<fake::Process>(fake::endingWithTest(command), variables, fake::Output::Files);
     const auto socket = _home.runtimeDirectory() / socketName();
     if (!fake::eventually([&] { return std::filesystem::exists(socket) || !_process->isRunning(); }) ||
         !_process->isRunning()) {

@@ -19,7 +19,7 @@ protected:
     FullScreenOnX11() {
         if (GetParam()) {
             manager = std::make_unique<fake::Process>(std::vector<std::string>{"/usr/bin/openbox", "--sm-disable"},
-                                                      home.environment());
+                                                      home.environment(), fake::Output::Files);
             XServer::waitForWindowManager();
         }
         server.display().movePointer(10, 10);

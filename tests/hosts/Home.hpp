@@ -3,8 +3,6 @@
 #include "tests/host/Process.hpp"
 #include "tests/support/TemporaryDirectory.hpp"
 
-#include <sys/types.h>
-
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -32,14 +30,8 @@ private:
 /// Both lists, one behind the other.
 std::vector<std::string> operator+(std::vector<std::string> a, const std::vector<std::string>& b);
 
-/// That command, ended when the test that starts it goes in whatever way.
-std::vector<std::string> endingWithTest(const std::vector<std::string>& command);
-
 /// Runs a program of the system to its end, within a few seconds.
 fake::ProcessEnd runTool(const std::vector<std::string>& command, const std::vector<std::string>& environment);
-
-/// Looks until a process has next to nothing to do for half a second.
-bool becomesIdle(pid_t process);
 
 /// The program under test, in a place where the user of these tests may run it.
 std::filesystem::path program();

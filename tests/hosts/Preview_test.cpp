@@ -2,13 +2,19 @@
 #include "tests/hosts/ForeignWindow.hpp"
 
 #include <algorithm>
+#include <functional>
 
 namespace hosts {
 namespace {
 
 class Preview : public ForeignWindowTest {
 protected:
-    Preview() { start({"/bin/sh", "-c", "exec " + program().string() + " --root --window-id " + hexadecimal(window)}); }
+    Preview() { startInPane(); }
+
+    void startInPane() {
+        start({"/bin/sh", "-c", "exec " + program().string() + " --root --window-id " + hexadecimal(window)});
+    }
+    bool hasWindows() const { return !server.display().windowsBelow(window).empty(); }
 };
 
 TEST_F(Preview, ShowsMovingCloudsInThePaneOnly) {
@@ -22,7 +28,20 @@ TEST_F(Preview, ShowsMovingCloudsInThePaneOnly) {
 }
 
 TEST_F(Preview, ThatIsEndedBeforeItShowsAnythingEndsAtOnce) {
-    endByHost();
+    const std::function<bool()> stagesOfTheStart[] = {
+        [this] { return process->hasLoaded(program()); },  // no shell any more
+        [this] { return process->hasLoaded("/libQt6Core.so"); },
+        [this] { return process->hasLoaded("/libqxcb.so"); },  // on its way to the display
+        [this] { return process->hasLoaded("/libvulkan.so"); },
+        [this] { return hasWindows(); },
+        [this] { return process->isDrawing(); },
+    };
+    for (const auto& isReached : stagesOfTheStart) {
+        ASSERT_TRUE(fake::eventually(isReached));
+        endByHost();
+        ASSERT_TRUE(fake::eventually([this] { return !hasWindows(); }));
+        startInPane();
+    }
 }
 
 TEST_F(Preview, GrowsAndShrinksWithThePane) {

@@ -24,7 +24,7 @@ public:
         : _process(std::vector<std::string>{program()} + arguments, session.environment()) {}
 
     bool isRunning() { return _process.isRunning(); }
-    bool becomesIdle() const { return hosts::becomesIdle(_process.identifier()); }
+    bool becomesIdle() const { return fake::becomesIdle(_process.identifier()); }
     std::optional<fake::ProcessEnd> waitForEnd() { return _process.waitForEnd(std::chrono::seconds(10)); }
     void end() {
         _process.sendSignal(SIGTERM);

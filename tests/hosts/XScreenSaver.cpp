@@ -37,7 +37,7 @@ XScreenSaver::XScreenSaver(const std::string& line) {
                                                      "programs: \\\n  "
                                                   << line << " \\n\\\n";
     _daemon = std::make_unique<fake::Process>(std::vector<std::string>{"/usr/bin/xscreensaver", "--no-splash"},
-                                              _home.environment());
+                                              _home.environment(), fake::Output::Files);
     EXPECT_TRUE(fake::eventually([&] { return send("-time").exitStatus == 0; })) << "the daemon did not start";
 }
 

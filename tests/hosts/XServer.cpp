@@ -3,9 +3,7 @@
 #include "tests/hosts/Home.hpp"
 
 #include <gtest/gtest.h>
-#include <signal.h>
 
-#include <cstdlib>
 #include <string>
 #include <utility>
 #include <vector>
@@ -38,25 +36,9 @@ std::vector<std::string> modeLine(Size size) {
 
 }  // namespace
 
-XServer::XServer(Size largest)
-    : _process(endingWithTest(
-          {"/usr/bin/Xvfb", "-displayfd", "1", "-screen", "0", text(largest) + "x24", "-nolisten", "tcp", "-noreset"})),
-      _modes{text(largest)} {
-    const bool isReady = fake::eventually([&] { return _process.standardOutput().ends_with('\n'); });
-    if (!isReady) {
-        ADD_FAILURE() << "Xvfb did not start";
-        return;
-    }
-    std::string number = _process.standardOutput();
-    number.pop_back();
-    setenv("DISPLAY", (":" + number).c_str(), 1);
+XServer::XServer(Size largest) : _server(text(largest)), _modes{text(largest)} {
+    _server.useAsDisplay();
     _display = std::make_unique<fake::Display>();
-}
-
-XServer::~XServer() {
-    _display.reset();
-    _process.sendSignal(SIGTERM);
-    _process.waitForEnd();
 }
 
 Picture XServer::picture() const {

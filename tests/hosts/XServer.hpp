@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tests/host/Display.hpp"
-#include "tests/host/Process.hpp"
+#include "tests/host/VirtualServer.hpp"
 #include "tests/hosts/Picture.hpp"
 
 #include <memory>
@@ -17,9 +17,6 @@ class XServer {
 public:
     /// No mode is larger than the one it starts with.
     explicit XServer(Size largest = {1280, 960});
-    ~XServer();
-    XServer(const XServer&) = delete;
-    XServer& operator=(const XServer&) = delete;
 
     /// What the test itself does there.
     const fake::Display& display() const { return *_display; }
@@ -31,7 +28,7 @@ public:
     static void waitForWindowManager();
 
 private:
-    fake::Process _process;
+    fake::VirtualServer _server;
     std::unique_ptr<fake::Display> _display;
     std::set<std::string> _modes;
 };
