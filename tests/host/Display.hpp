@@ -223,6 +223,14 @@ public:
         xcb_flush(_connection);
     }
 
+    /// Made where there is none of that name yet.
+    xcb_atom_t atom(const std::string& name) const {
+        const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
+            _connection, xcb_intern_atom(_connection, 0, static_cast<std::uint16_t>(name.size()), name.c_str()),
+            nullptr));
+        return reply->atom;
+    }
+
     /// A key press as a window manager's client would get it.
     void pressKey(xcb_window_t window, std::uint32_t keysym) const {
         xcb_key_press_event_t event{};
@@ -262,13 +270,6 @@ private:
         }
         ADD_FAILURE() << "this display has no windows of depth " << int{depth};
         return XCB_COPY_FROM_PARENT;
-    }
-
-    xcb_atom_t atom(const std::string& name) const {
-        const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-            _connection, xcb_intern_atom(_connection, 0, static_cast<std::uint16_t>(name.size()), name.c_str()),
-            nullptr));
-        return reply->atom;
     }
 
     std::string titleOf(xcb_window_t window) const {

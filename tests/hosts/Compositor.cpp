@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <nlohmann/json.hpp>
 #include <string>
 
 namespace hosts {
@@ -12,6 +14,16 @@ namespace {
 
 std::string text(Size size) {
     return std::to_string(size.width) + "x" + std::to_string(size.height);
+}
+
+/// Whether a window, or one of those within a container of sway's tree, has that place.
+bool holdsWindowAt(const nlohmann::json& container, const nlohmann::json& place) {
+    if (container.contains("pid") && container.at("rect") == place) {
+        return true;
+    }
+    const auto& inside = container.at("nodes");
+    return std::any_of(inside.begin(), inside.end(),
+                       [&](const nlohmann::json& each) { return holdsWindowAt(each, place); });
 }
 
 }  // namespace
@@ -30,7 +42,7 @@ void Compositor::end() {
 }
 
 std::vector<std::string> Compositor::environment() const {
-    return _home.environment() + std::vector<std::string>{"WAYLAND_DISPLAY=" + socketName(),
+    return _home.environment() + std::vector<std::string>{"WAYLAND_DISPLAY=" + socketName(), "DISPLAY",
                                                           "SWAYSOCK=" + (_home.path() / "sway.socket").string()};
 }
 
@@ -52,14 +64,19 @@ void Compositor::run(const std::vector<std::string>& command) const {
 }
 
 Sway::Sway(Size outputSize, int scale) {
+    _server.useAsDisplay();
+    _display = std::make_unique<fake::Display>();
+    for (const char* name : {"WM_PROTOCOLS", "WM_DELETE_WINDOW", "_NET_WM_NAME", "UTF8_STRING"}) {
+        _display->atom(name);  // sway makes none, and closes no window without
+    }
     const auto configuration = home().path() / "sway";
     std::ofstream(configuration) << "xwayland disable\n"
                                     "default_border none\n"
-                                    "output HEADLESS-1 resolution "
+                                    "output X11-1 resolution "
                                  << text(outputSize) << " position 0 0 scale " << scale << '\n';
     // Windows that are scanned out are in no picture.
     start({"/usr/bin/sway", "-Dnoscanout", "--config", configuration},
-          {"WLR_BACKENDS=headless", "WLR_RENDERER=pixman", "WLR_LIBINPUT_NO_DEVICES=1"});
+          {"WLR_BACKENDS=x11", "WLR_RENDERER=pixman", "DISPLAY=" + _server.name()});
     const auto answers = [this] {
         return runTool({"/usr/bin/swaymsg", "--type", "get_version"}, environment()).exitStatus == 0;
     };
@@ -83,6 +100,45 @@ Picture Sway::picture(const std::string& output) const {
     const auto file = home().path() / "screen.png";
     run({"/usr/bin/grim", "-o", output, file});
     return Picture::ofPng(file);
+}
+
+void Sway::removeOutput(Size size) {
+    for (const xcb_window_t output : _display->windowsBelow(_display->root())) {
+        const auto [width, height] = _display->sizeOf(output);
+        if (Size{width, height} == size) {
+            const std::size_t before = outputs().size();
+            _display->askToClose(output);
+            EXPECT_TRUE(fake::eventually([&] { return outputs().size() < before; })) << "the output stays";
+            return;
+        }
+    }
+    ADD_FAILURE() << "there is no output of " << text(size);
+}
+
+nlohmann::json Sway::outputs() const {
+    const auto told = runTool({"/usr/bin/swaymsg", "--raw", "--type", "get_tree"}, environment());
+    const auto tree = nlohmann::json::parse(told.standardOutput);
+    nlohmann::json found = nlohmann::json::array();
+    for (const auto& output : tree.at("nodes")) {
+        if (output.at("name") != "__i3") {  // where windows lie that are on none
+            found.push_back(output);
+        }
+    }
+    return found;
+}
+
+bool Sway::hasOutputs() const {
+    return !outputs().empty();
+}
+
+std::set<std::string> Sway::coveredOutputs() const {
+    std::set<std::string> covered;
+    for (const auto& output : outputs()) {
+        if (holdsWindowAt(output, output.at("rect"))) {
+            covered.insert(output.at("name").get<std::string>());
+        }
+    }
+    return covered;
 }
 
 void Sway::tell(const std::string& command) {

@@ -1,12 +1,16 @@
 #pragma once
 
+#include "tests/host/Display.hpp"
 #include "tests/host/Process.hpp"
+#include "tests/host/VirtualServer.hpp"
 #include "tests/hosts/Home.hpp"
 #include "tests/hosts/Picture.hpp"
 
 #include <signal.h>
 
 #include <memory>
+#include <nlohmann/json.hpp>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -41,23 +45,30 @@ private:
     std::unique_ptr<fake::Process> _process;
 };
 
-/// A tiling compositor, whose windows fill their output. Its first output is HEADLESS-1, the next HEADLESS-2.
+/// A tiling compositor, whose windows fill their output. Its outputs are windows on an X server of its own, because
+/// only such ones can be taken away; the first is X11-1, and each that is added has the next number.
 class Sway final : public Compositor {
 public:
     explicit Sway(Size outputSize, int scale = 1);
 
     void addOutput(const std::string& name, Size size, int scale = 1);
-    /// For its clients the output is gone.
-    void disableOutput(const std::string& name) { tell("output " + name + " disable"); }
-    void enableOutput(const std::string& name) { tell("output " + name + " enable"); }
+    /// Takes away the one output of that resolution.
+    void removeOutput(Size size);
+    bool hasOutputs() const;
     void setResolution(const std::string& name, Size size);
     void setScale(const std::string& name, int scale);
     void showWorkspace(const std::string& name) { tell("workspace " + name); }
 
-    Picture picture(const std::string& output = "HEADLESS-1") const;
+    Picture picture(const std::string& output = "X11-1") const;
+    /// The names of the outputs that have a window from edge to edge.
+    std::set<std::string> coveredOutputs() const;
 
 private:
     void tell(const std::string& command);
+    nlohmann::json outputs() const;
+
+    fake::VirtualServer _server;
+    std::unique_ptr<fake::Display> _display;
 };
 
 /// The reference compositor, with floating windows on one output.

@@ -22,17 +22,17 @@ void Home::storeSetting(const std::string& setting) const {
     std::ofstream(path() / ".config" / "org.example.cirrane.conf") << "[General]\n" << setting << '\n';
 }
 
-bool Home::holdsErrorReport() const {
+std::string Home::errorReport() const {
     for (const auto& entry : std::filesystem::recursive_directory_iterator(path())) {
         if (entry.path().extension() == ".conf") {
             std::ifstream file(entry.path());
             const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
             if (text.find("SavedErrorCode") != std::string::npos) {
-                return true;
+                return text;
             }
         }
     }
-    return false;
+    return {};
 }
 
 std::vector<std::string> operator+(std::vector<std::string> a, const std::vector<std::string>& b) {

@@ -21,7 +21,9 @@ public:
     /// Stores a setting of the saver's, "Key=value", as the saver would.
     void storeSetting(const std::string& setting) const;
     /// Whether a program that lived here has put an error aside, to be reported later.
-    bool holdsErrorReport() const;
+    bool holdsErrorReport() const { return !errorReport().empty(); }
+    /// The file that it is in.
+    std::string errorReport() const;
 
 private:
     fake::TemporaryDirectory _directory;
@@ -35,5 +37,7 @@ fake::ProcessEnd runTool(const std::vector<std::string>& command, const std::vec
 
 /// The program under test, in a place where the user of these tests may run it.
 std::filesystem::path program();
+/// A library for LD_PRELOAD, with which it finds no screen.
+std::filesystem::path noScreensLibrary();
 
 }  // namespace hosts

@@ -17,13 +17,15 @@
 namespace {
 
 std::filesystem::path programToRun = CIRRANE_PROGRAM;
+std::filesystem::path libraryToPreload = NO_SCREENS;
 
-/// The program, its library and its bundle, for that user.
+/// The program, its library and its bundle, and what is preloaded into it, for that user.
 std::filesystem::path copyProgram(const std::filesystem::path& into, const passwd& user) {
     const auto built = programToRun.parent_path();
     for (const char* part : {"cirrane", "libcirrane-platform.so", "Cirrane.saver"}) {
         std::filesystem::copy(built / part, into / part, std::filesystem::copy_options::recursive);
     }
+    std::filesystem::copy(libraryToPreload, into);
     for (const auto& entry : std::filesystem::recursive_directory_iterator(into)) {
         if (lchown(entry.path().c_str(), user.pw_uid, user.pw_gid) != 0) {
             std::cerr << entry.path() << " cannot be given away\n";
@@ -32,6 +34,7 @@ std::filesystem::path copyProgram(const std::filesystem::path& into, const passw
     if (chown(into.c_str(), user.pw_uid, user.pw_gid) != 0) {
         std::cerr << into << " cannot be given away\n";
     }
+    libraryToPreload = into / libraryToPreload.filename();
     return into / programToRun.filename();
 }
 
@@ -53,6 +56,10 @@ void leaveSession() {
 
 std::filesystem::path hosts::program() {
     return programToRun;
+}
+
+std::filesystem::path hosts::noScreensLibrary() {
+    return libraryToPreload;
 }
 
 int main(int argumentCount, char** arguments) {

@@ -54,6 +54,15 @@ TEST_F(OnAMachineWithoutGpu, AShaderLibraryThatIsMissingIsShownAndNotReported) {
     EXPECT_TRUE(shown == screenOf("101:1000"));
 }
 
+TEST_F(OnAMachineWithoutGpu, ADisplayLinkThatIsRefusedIsShownAndReported) {
+    start({program(), "--root"}, {"LD_PRELOAD=" + noScreensLibrary().string()});
+    const Picture shown = errorScreen();
+    endByHost();
+    EXPECT_NE(home.errorReport().find("SavedErrorCode=200\n"), std::string::npos) << home.errorReport();
+    EXPECT_NE(home.errorReport().find("SavedErrorSubCode=-6661\n"), std::string::npos) << home.errorReport();
+    EXPECT_TRUE(shown == screenOf("200:-6661"));
+}
+
 TEST_F(OnAMachineWithoutGpu, XScreenSaverSeesNoCrash) {
     const XScreenSaver daemon("env " + noDriver[0] + " " + noDriver[1] + " " + program().string() + " --root");
     daemon.activate();

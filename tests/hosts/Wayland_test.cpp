@@ -1,46 +1,14 @@
 // The program in Wayland sessions.
-#include "tests/hosts/Compositor.hpp"
+#include "tests/hosts/StartedIn.hpp"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <memory>
-#include <optional>
 #include <string>
-#include <vector>
+#include <utility>
 
 namespace hosts {
 namespace {
-
-constexpr Size first{640, 480};
-constexpr Size second{480, 360};
-constexpr const char* firstOutput = "HEADLESS-1";
-constexpr const char* secondOutput = "HEADLESS-2";
-
-/// The program in a session, which it must leave by the signal that it is sent, without a complaint.
-class StartedIn {
-public:
-    StartedIn(const Compositor& session, const std::vector<std::string>& arguments)
-        : _process(std::vector<std::string>{program()} + arguments, session.environment()) {}
-
-    bool isRunning() { return _process.isRunning(); }
-    bool becomesIdle() const { return fake::becomesIdle(_process.identifier()); }
-    std::optional<fake::ProcessEnd> waitForEnd() { return _process.waitForEnd(std::chrono::seconds(10)); }
-    void end() {
-        _process.sendSignal(SIGTERM);
-        const auto end = _process.waitForEnd(std::chrono::seconds(5));
-        ASSERT_TRUE(end) << "it hangs";
-        EXPECT_EQ(end->signal, SIGTERM);
-        EXPECT_EQ(end->standardError, "");
-    }
-
-private:
-    fake::Process _process;
-};
-
-testing::AssertionResult showsMovingCloudsOn(const Sway& sway, const std::string& output, Size size) {
-    return showsMovingClouds([&] { return sway.picture(output); }, size);
-}
 
 TEST(InSway, AWindowFillsItsTile) {
     Sway sway(first);
@@ -68,41 +36,6 @@ TEST(InSway, FullScreenLeavesTheOtherOutputsBlackWhenToldSo) {
     EXPECT_TRUE(showsMovingCloudsOn(sway, firstOutput, first));
     EXPECT_TRUE(standsStill([&] { return sway.picture(secondOutput); }));
     EXPECT_EQ(sway.picture(secondOutput).share({0, 0, 0}), 1.0);
-    cirrane.end();
-}
-
-TEST(InSway, AnOutputThatGoesAndComesAgainIsCoveredAgain) {
-    Sway sway(first);
-    sway.addOutput(secondOutput, second);
-    StartedIn cirrane(sway, {"--fullscreen"});
-    ASSERT_TRUE(showsMovingCloudsOn(sway, secondOutput, second));
-    for (int round = 0; round < 3; ++round) {
-        sway.disableOutput(secondOutput);
-        EXPECT_TRUE(showsMovingCloudsOn(sway, firstOutput, first)) << round;
-        sway.enableOutput(secondOutput);
-        EXPECT_TRUE(showsMovingCloudsOn(sway, secondOutput, second)) << round;
-    }
-    cirrane.end();
-}
-
-TEST(InSway, AnOutputThatIsAddedIsCoveredToo) {
-    Sway sway(first);
-    StartedIn cirrane(sway, {"--fullscreen"});
-    ASSERT_TRUE(showsMovingCloudsOn(sway, firstOutput, first));
-    sway.addOutput(secondOutput, second);
-    EXPECT_TRUE(showsMovingCloudsOn(sway, secondOutput, second));
-    EXPECT_TRUE(showsMovingCloudsOn(sway, firstOutput, first));
-    cirrane.end();
-}
-
-TEST(InSway, NoOutputAtAllIsNoReasonToEnd) {
-    Sway sway(first);
-    StartedIn cirrane(sway, {"--fullscreen"});
-    ASSERT_TRUE(showsMovingCloudsOn(sway, firstOutput, first));
-    sway.disableOutput(firstOutput);
-    sway.enableOutput(firstOutput);
-    EXPECT_TRUE(showsMovingCloudsOn(sway, firstOutput, first));
-    EXPECT_TRUE(cirrane.isRunning());
     cirrane.end();
 }
 
@@ -184,8 +117,8 @@ TEST_P(InSwayMode, ACompositorThatWasFrozenShowsMovingCloudsAgain) {
     StartedIn cirrane(sway, {GetParam()});
     ASSERT_TRUE(showsMovingCloudsOn(sway, firstOutput, first));
     sway.freeze();
-    const auto thaw = std::chrono::steady_clock::now() + std::chrono::seconds(2);
-    EXPECT_TRUE(fake::eventually([&] { return std::chrono::steady_clock::now() > thaw || !cirrane.isRunning(); }));
+    // For longer than the second that a frame may wait to be shown.
+    EXPECT_FALSE(fake::eventually([&] { return !cirrane.isRunning(); }, std::chrono::seconds(2))) << "it ended";
     sway.thaw();
     EXPECT_TRUE(showsMovingCloudsOn(sway, firstOutput, first));
     EXPECT_TRUE(cirrane.isRunning());
