@@ -28,6 +28,7 @@ std::string_view modeOption(Mode mode) {
         case Mode::Fullscreen: return "--fullscreen";
         case Mode::Root: return "--root";
         case Mode::WindowId: return "";  // said with its window
+        case Mode::Configure: return "--configure";
         case Mode::Headless: return "--headless";
         case Mode::ListDevices: return "--list-devices";
         case Mode::Version: return "--version";
