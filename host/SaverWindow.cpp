@@ -87,6 +87,9 @@ void SaverWindow::showErrorCode(const ErrorCode& error) {
             closeView();
             makeView();
         }
+        if (_view == nullptr) {
+            return;  // the reason stands in its place
+        }
         _view->showErrorCode(error.code, error.subCode);
         _view->setUpdatesEnabled(true);  // it is to be seen, also when the window was hidden meanwhile
     }

@@ -54,6 +54,10 @@ void QZLScreenSaverView::startAnimation() {
     _statistics->reset();
     const bool draws = isPreview() || screenIndex() == 0 || multiScreen();
 
+    if (!draws && _renderer != nullptr && _renderer->isAttached()) {
+        _renderer->detachFromView();  // it drew when its screen was the first one: its last picture goes too
+        hostView()->setLayer(nullptr);
+    }
     std::optional<platform::Error> error;
     if (draws && _renderer != nullptr && !_renderer->isAttached()) {
         error = attachRenderer();

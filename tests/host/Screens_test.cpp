@@ -117,6 +117,19 @@ TEST_F(Screens, OnlyTheFirstIsDrawnOnUnlessMoreAreWished) {
     expectCleanEnd();
 }
 
+TEST_F(Screens, TheOneThatBecomesTheFirstIsDrawnOnThen) {
+    setMultiScreen(false);
+    start({"--fullscreen"});
+    ASSERT_TRUE(areCovered({left, right}));
+    ASSERT_TRUE(hasClouds(left));
+    ASSERT_TRUE(isBlack(right));
+    removeMonitor("right");
+    addMonitor("*right", right, "none");  // the first of all, as the asterisk says
+    EXPECT_TRUE(hasClouds(right));
+    EXPECT_TRUE(fake::eventually([this] { return isBlack(left); }));
+    expectCleanEnd();
+}
+
 TEST_F(Screens, ThatGoTakeTheirWindowsWithThemAndGetOneWhenTheyComeBack) {
     setMultiScreen(true);
     start({"--fullscreen"});
