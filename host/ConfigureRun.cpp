@@ -1,8 +1,10 @@
 #include "host/ConfigureWindow.hpp"
 #include "host/EventLoop.hpp"
 #include "host/ModuleLoader.hpp"
+#include "host/QtTexts.hpp"
 #include "host/SingleInstance.hpp"
 #include "host/WindowRun.hpp"
+#include "platform/PreferencesStore.hpp"
 #include "platform/Workspace.hpp"
 
 #include <QtWidgets/QApplication>
@@ -36,14 +38,17 @@ void runConfigure(const CommandLine& line, const Showing& showing, const Termina
         return;
     }
     const auto* const module = std::get_if<const platform::SaverModule*>(&showing.saver);
+    const QtTexts qtTexts;
     const HostTexts texts(module != nullptr ? bundleOf(**module) : nullptr);
     platform::setWorkspaceTexts([&texts](const std::string& key, const std::string&) { return texts.text(key); });
     const auto hosts =
         findSaverHosts(qEnvironmentVariable("PATH").toStdString(), QApplication::applicationFilePath().toStdString());
     ConfigureWindow window(showing, texts, hosts, fullscreenCommand(line));
     instance.setLaterHandler([&window] { window.present(); });
+    platform::setPreferencesFailureHandler([&window](const std::filesystem::path& file) { window.tellNotKept(file); });
     window.show();
     runEventLoop(signals);
+    platform::setPreferencesFailureHandler(nullptr);
     instance.setLaterHandler(nullptr);
     platform::setWorkspaceTexts(nullptr);
 }

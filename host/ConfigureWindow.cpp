@@ -2,6 +2,7 @@
 
 #include "host/SaverHostList.hpp"
 #include "platform/StringFormat.hpp"
+#include "platform/ui/Message.hpp"
 
 #include <QtGui/QKeySequence>
 #include <QtGui/QScreen>
@@ -97,6 +98,14 @@ void ConfigureWindow::present() {
             window->activateWindow();
         }
     }
+}
+
+void ConfigureWindow::tellNotKept(const std::filesystem::path& file) {
+    const auto tell = [this,
+                       message = platform::formatted(_texts.text("HOST_CONFIGURE_NOT_KEPT_FORMAT"), file.string())] {
+        platform::showMessage(message, _sheet != nullptr ? _sheet.data() : this);
+    };
+    QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
 }
 
 /// The view is made when the preview is first shown.

@@ -9,6 +9,7 @@
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QWidget>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,6 +27,8 @@ public:
 
     /// Brings it before all others, wherever it is.
     void present();
+    /// Says that the settings could not be written into that file, as soon as the sheet that wished it has gone.
+    void tellNotKept(const std::filesystem::path& file);
 
 protected:
     bool eventFilter(QObject* object, QEvent* event) override;

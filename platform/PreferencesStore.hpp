@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
@@ -58,6 +59,14 @@ std::shared_ptr<PreferencesStore> makeFilePreferencesStore(const std::filesystem
 
 /// A store that is forgotten with the process.
 std::shared_ptr<PreferencesStore> makeMemoryPreferencesStore();
+
+/// Hears that changes of the settings could not be written into a file, on the thread that synchronised them. Not again
+/// for that file until some could.
+using PreferencesFailureHandler = std::function<void(const std::filesystem::path& file)>;
+
+/// Replaces the handler of all stores in files; an empty one ends that. Any thread; a call of the former one may still
+/// be under way on another.
+void setPreferencesFailureHandler(PreferencesFailureHandler handler);
 
 /// Serves this store to every module from now on; null ends that. For headless runs and tests.
 void setPreferencesStore(std::shared_ptr<PreferencesStore> store);

@@ -6,7 +6,7 @@
 #include "platform/FileContents.hpp"
 #include "platform/Paths.hpp"
 #include "platform/StringFormat.hpp"
-#include "platform/ui/WorkspaceMessage.hpp"
+#include "platform/ui/Message.hpp"
 
 #include <unistd.h>
 
@@ -58,7 +58,7 @@ std::string localized(const Text& text) {
 }
 
 void tell(const std::string& message) {
-    messageSink() ? messageSink()(message) : showWorkspaceMessage(message);
+    messageSink() ? messageSink()(message) : showMessage(message);
 }
 
 void copyToClipboard(const std::string& text) {

@@ -13,7 +13,7 @@ public:
     explicit QZLHotLink(QWidget* parent = nullptr);
 
     /// Called when a form has been loaded: gives the text that it set the link's looks.
-    void awakeFromNib();
+    Q_INVOKABLE void awakeFromNib();
 
     std::string stringValue() const { return text().toStdString(); }
     void setStringValue(const std::string& value);

@@ -18,6 +18,13 @@ const char* signalOf(const QWidget& view) {
     return view.metaObject()->indexOfSignal("triggered()") >= 0 ? SIGNAL(triggered()) : nullptr;
 }
 
+/// Tells a view that has use for it that its form has set all that it sets.
+void awake(QWidget& view) {
+    if (view.metaObject()->indexOfMethod("awakeFromNib()") >= 0) {
+        QMetaObject::invokeMethod(&view, "awakeFromNib");
+    }
+}
+
 /// Turns a signal that is known by its name only into a call.
 class Sender final : public QObject {
     Q_OBJECT
@@ -56,6 +63,7 @@ void WindowController::load() {
     for (QWidget* view : views) {
         bindOutlet(*view);
         bindAction(*view);
+        awake(*view);
     }
     keepSpaceOfTaggedViews(*_window);
     windowDidLoad();

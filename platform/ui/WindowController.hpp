@@ -13,9 +13,9 @@ namespace platform {
 
 /// Owns a window that is described by a form of a bundle, "<name>.ui", and what it edits. The form's objects are bound
 /// to the controller by their names: one whose name begins with an underscore to the outlet of that name, one with a
-/// dynamic property "action" to the action of that name. An outlet that the form lacks stays null. What the form names
-/// and the controller does not know is a line in the system log, as is a form that cannot be loaded; there is no window
-/// then. Main thread.
+/// dynamic property "action" to the action of that name. One with an invokable awakeFromNib() is woken by it when all
+/// that the form says of it is set. An outlet that the form lacks stays null. What the form names and the controller
+/// does not know is a line in the system log, as is a form that cannot be loaded; there is no window then. Main thread.
 class WindowController {
 public:
     /// Makes a view of a class that forms may use; null for a class that it does not know.

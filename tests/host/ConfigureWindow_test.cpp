@@ -12,6 +12,7 @@
 #include <QtGui/QKeyEvent>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QLineEdit>
+#include <QtWidgets/QMessageBox>
 #include <filesystem>
 #include <memory>
 #include <set>
@@ -107,6 +108,24 @@ TEST_F(ConfigureWindowTest, ASaverWithoutOptionsSaysSo) {
     EXPECT_FALSE(options()->isEnabled());
     EXPECT_EQ(options()->toolTip(), "This screen saver has no options.");
     EXPECT_EQ(window->focusWidget(), fullscreen());
+}
+
+TEST_F(ConfigureWindowTest, SettingsThatCannotBeKeptAreToldOverWhatIsOpen) {
+    saver.setSheet(&sheet);
+    open();
+    window->tellNotKept("/etc/settings.conf");
+    handleEvents();
+    auto* const box = window->findChild<QMessageBox*>();
+    ASSERT_NE(box, nullptr);
+    EXPECT_TRUE(box->isVisible());
+    EXPECT_TRUE(box->text().contains("/etc/settings.conf")) << box->text().toStdString();
+    press(Qt::Key_Return);
+    ASSERT_TRUE(sheet.isVisible());
+    window->tellNotKept("/etc/settings.conf");
+    handleEvents();
+    EXPECT_NE(sheet.findChild<QMessageBox*>(), nullptr) << "below the sheet it could not be used";
+    sheet.hide();
+    sheet.setParent(nullptr);
 }
 
 TEST_F(ConfigureWindowTest, TheOptionsOpenOverItAndTheFocusComesBack) {

@@ -2,10 +2,12 @@
 #include "tests/host/Display.hpp"
 #include "tests/host/Pixels.hpp"
 #include "tests/host/Process.hpp"
+#include "tests/support/TemporaryDirectory.hpp"
 
 #include <gtest/gtest.h>
 #include <signal.h>
 
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <vector>
@@ -85,6 +87,25 @@ TEST_F(Configure, AfterOneThatWasKilledAnotherOpens) {
     const auto next = start();
     EXPECT_TRUE(showsClouds());
     EXPECT_TRUE(next->isRunning());
+}
+
+TEST_F(Configure, SettingsThatCannotBeWrittenAreToldWhenTheSheetCloses) {
+    const fake::TemporaryDirectory config;
+    std::filesystem::create_directory(config.path() /
+                                      "org.example.cirrane.conf");  // also the superuser cannot write it
+    const auto process = start({"WAYLAND_DISPLAY", "XDG_CONFIG_HOME=" + config.path().string()});
+    ASSERT_TRUE(showsClouds());
+    display.focus(*display.findWindow("Settings — Cirrane"));
+    display.typeKey(0x20);
+    ASSERT_TRUE(fake::eventually([&] { return display.findWindow("Options — Cirrane"); }));
+    display.focus(*display.findWindow("Options — Cirrane"));
+    display.typeKey(0xff0d);
+    EXPECT_TRUE(fake::eventually([&] { return !display.findWindow("Options — Cirrane"); }));
+    EXPECT_TRUE(fake::eventually([&] { return display.findWindow("Cirrane"); })) << "no message";
+    display.askToClose(*display.findWindow("Settings — Cirrane"));
+    const auto end = process->waitForEnd();
+    ASSERT_TRUE(end);
+    EXPECT_EQ(end->exitStatus, 0);
 }
 
 TEST_F(Configure, WithoutGraphicsTheWindowStillOpensAndStays) {

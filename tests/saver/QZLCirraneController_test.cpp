@@ -164,10 +164,10 @@ TEST_F(QZLCirraneControllerTest, SaysWhatItIsOf) {
 TEST_F(QZLCirraneControllerTest, ItsLinksOpenAMailAndTheWholeAddressOfTheWebsite) {
     open();
     click(view<QLabel>("_website"));
-    EXPECT_EQ(openedAddress(), "https://cirrane.example.org");
-    std::filesystem::remove(opened());
+    EXPECT_EQ(desktop.receivedAddress(), "https://cirrane.example.org");
+    std::filesystem::remove(desktop.received());
     click(view<QLabel>("_mailto"));
-    EXPECT_EQ(openedAddress(), "mailto:clouds%40example%2Eorg?subject=Cirrane%20" CIRRANE_VERSION_IN_MAIL);
+    EXPECT_EQ(desktop.receivedAddress(), "mailto:clouds%40example%2Eorg?subject=Cirrane%20" CIRRANE_VERSION_IN_MAIL);
 }
 
 TEST_F(QZLCirraneControllerTest, OffersAReportOfThisVersionsErrorUntilItIsSent) {
@@ -177,7 +177,7 @@ TEST_F(QZLCirraneControllerTest, OffersAReportOfThisVersionsErrorUntilItIsSent) 
     open();
     ASSERT_FALSE(button("_errorReport").isHidden());
     click(button("_errorReport"));
-    const std::string address = openedAddress();
+    const std::string address = desktop.receivedAddress();
     EXPECT_TRUE(address.starts_with("mailto:clouds%40example%2Eorg?subject=Cirrane%20error%20report&body=")) << address;
     EXPECT_TRUE(address.ends_with("Journal%3A%0D%0Afirst%20line%0D%0Asecond%20line%0D%0A")) << address;
     EXPECT_NE(address.find("Error%3A%20200%2C%20detail%20%2D3"), std::string::npos) << address;

@@ -2,6 +2,8 @@
 #include "tests/saver/SheetTest.hpp"
 
 #include <QtWidgets/QComboBox>
+#include <algorithm>
+#include <cmath>
 #include <set>
 
 namespace {
@@ -46,6 +48,72 @@ TEST_F(QZLCirraneSheet, TheTabKeyGoesFromTopToBottom) {
                                                "_screenshotInterval", "_diagnostics", "_appVersionCopyright", "_mailto",
                                                "_website", "_errorReport", "reset", "close"}));
     EXPECT_EQ(QApplication::focusWidget(), &view<QWidget>("heading"));
+}
+
+/// The contrast of two shades as WCAG 2 counts it, from 1 to 21. https://www.w3.org/TR/WCAG21/#dfn-contrast-ratio
+double contrast(double dark, double light) {
+    return (light + 0.05) / (dark + 0.05);
+}
+
+double relativeLuminance(QRgb pixel) {
+    const auto linear = [](int component) {
+        const double value = component / 255.0;
+        return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(qRed(pixel)) + 0.7152 * linear(qGreen(pixel)) + 0.0722 * linear(qBlue(pixel));
+}
+
+/// Between a view's darkest and lightest pixel: its text and what it stands on.
+double contrastWithin(QWidget& view) {
+    const QImage image = view.window()->grab(QRect(view.mapTo(view.window(), QPoint()), view.size())).toImage();
+    double darkest = 1.0;
+    double lightest = 0.0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const double luminance = relativeLuminance(image.pixel(x, y));
+            darkest = std::min(darkest, luminance);
+            lightest = std::max(lightest, luminance);
+        }
+    }
+    return contrast(darkest, lightest);
+}
+
+/// Dark as desktops have it, with links that can be read on it.
+QPalette darkPalette() {
+    QPalette dark(QColor(53, 53, 53));
+    dark.setColor(QPalette::Base, QColor(42, 42, 42));
+    dark.setColor(QPalette::Link, QColor(120, 180, 255));
+    return dark;
+}
+
+TEST_F(QZLCirraneSheet, EveryTextStandsOutInLightAndDark) {
+    for (const auto& [name, palette] :
+         {std::pair("light", QPalette(QColor(239, 239, 239))), std::pair("dark", darkPalette())}) {
+        QApplication::setPalette(palette);
+        openWhole();
+        const auto expectReadable = [&, shade = name](const char* state) {
+            QApplication::processEvents();
+            for (QWidget* view : window().findChildren<QWidget*>()) {
+                const bool hasText =
+                    (qobject_cast<QLabel*>(view) != nullptr && !qobject_cast<QLabel*>(view)->text().isEmpty()) ||
+                    qobject_cast<QAbstractButton*>(view) != nullptr || qobject_cast<QComboBox*>(view) != nullptr;
+                EXPECT_TRUE(!hasText || !view->isVisible() || contrastWithin(*view) >= 4.5)
+                    << shade << ": " << view->objectName().toStdString();
+            }
+            window().grab().save(
+                QString::fromLatin1(SHEET_PICTURES "/%1-%2.png").arg(QLatin1String(state), QLatin1String(shade)));
+        };
+        expectReadable("sheet");
+        click(view<QLabel>("heading"), Qt::MetaModifier);
+        timers.tick(28);
+        expectReadable("extra");
+    }
+}
+
+TEST_F(QZLCirraneSheet, TheWayBackLooksLikeTheOtherLinks) {
+    open();
+    EXPECT_TRUE(view<QLabel>("extraBack").font().underline());
+    EXPECT_EQ(view<QLabel>("extraBack").foregroundRole(), QPalette::Link);
 }
 
 class InLanguage : public QZLCirraneSheet, public testing::WithParamInterface<const char*> {

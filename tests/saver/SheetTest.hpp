@@ -10,10 +10,8 @@
 #include "tests/settings/RecordingStore.hpp"
 #include "tests/support/EventLoop.hpp"
 #include "tests/support/FakeTimers.hpp"
-#include "tests/support/Files.hpp"
-#include "tests/support/ScopedEnvironment.hpp"
+#include "tests/support/PrivateDesktop.hpp"
 #include "tests/support/ShownWindow.hpp"
-#include "tests/support/TemporaryDirectory.hpp"
 #include "tests/support/TestBundle.hpp"
 
 #include <gtest/gtest.h>
@@ -22,23 +20,18 @@
 #include <QtTest/QTest>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QPushButton>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
 /// The sheet of the bundle that was built, shown, over settings in memory; its animations stand until they are ticked,
-/// and what it opens arrives in a file.
+/// and what it opens arrives at its desktop's handler.
 class SheetTest : public testing::Test {
 protected:
     SheetTest() {
         defaults().registerDefaults();
         store->clearCalls();
         platform::setSystemLogSink([this](std::string_view line) { log.emplace_back(line); });
-        const auto opener = directory.path() / "xdg-open";
-        std::ofstream(opener) << "#!/bin/sh\nprintf %s \"$1\" >'" << directory.path().string() << "/part'\nmv '"
-                              << directory.path().string() << "/part' '" << opened().string() << "'\n";
-        std::filesystem::permissions(opener, std::filesystem::perms::owner_all);
+        desktop.registerHandler(0);
     }
     ~SheetTest() override {
         controller.reset();
@@ -92,15 +85,7 @@ protected:
         return true;
     }
 
-    std::filesystem::path opened() const { return directory.path() / "opened"; }
-    /// The address that was opened; waits for it.
-    std::string openedAddress() {
-        EXPECT_TRUE(fake::eventuallyInLoop([this] { return std::filesystem::exists(opened()); }));
-        return fake::readFile(opened());
-    }
-
-    fake::TemporaryDirectory directory;
-    fake::ScopedEnvironment path{"PATH", directory.path().string() + ":/usr/bin:/bin"};
+    fake::PrivateDesktop desktop;
     ScopedPlatformVersion platformVersion{"10.13.2"};
     fake::BuiltBundle bundle;
     fake::Timers timers;

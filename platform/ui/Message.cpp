@@ -1,14 +1,21 @@
-#include "platform/ui/WorkspaceMessage.hpp"
+#include "platform/ui/Message.hpp"
 
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QMessageBox>
 
 namespace platform {
+namespace {
 
-void showWorkspaceMessage(const std::string& message) {
+/// The box of a window below a modal one could not be used.
+QWidget* usableWindow() {
     QWidget* const active = QApplication::activeWindow();
-    // The box of a window below a modal one could not be used.
-    auto* const box = new QMessageBox(active != nullptr ? active : QApplication::activeModalWidget());
+    return active != nullptr ? active : QApplication::activeModalWidget();
+}
+
+}  // namespace
+
+void showMessage(const std::string& message, QWidget* over) {
+    auto* const box = new QMessageBox(over != nullptr ? over : usableWindow());
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setIcon(QMessageBox::Information);
     box->setWindowTitle(QApplication::applicationDisplayName());
