@@ -4,6 +4,7 @@
 #include "platform/StringFormat.hpp"
 #include "platform/ui/Message.hpp"
 
+#include <QtGui/QKeyEvent>
 #include <QtGui/QKeySequence>
 #include <QtGui/QScreen>
 #include <QtGui/QShortcut>
@@ -17,15 +18,39 @@ namespace {
 constexpr QSize smallestPreview{240, 135};
 constexpr QSize usualPreview{640, 360};
 
+/// Return presses it as the space bar does, but once only however long it is held: what it opened may be closed by
+/// then.
+class Button final : public QPushButton {
+public:
+    using QPushButton::QPushButton;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+        if (isEnter && !event->isAutoRepeat()) {
+            click();
+        } else if (!isEnter) {
+            QPushButton::keyPressEvent(event);
+        }
+    }
+};
+
 }  // namespace
 
 ConfigureWindow::ConfigureWindow(const Showing& showing, const HostTexts& texts, const std::vector<SaverHost>& hosts,
                                  const std::vector<std::string>& fullscreenCommand)
-    : _texts(texts), _windows(showing), _preview(_windows.add()), _test(fullscreenCommand) {
+    : _texts(texts),
+      _windows(showing),
+      _preview(_windows.add()),
+      _options(new Button(this)),
+      _fullscreen(new Button(this)),
+      _close(new Button(this)),
+      _test(fullscreenCommand) {
     setWindowTitle(text("HOST_CONFIGURE_TITLE"));
     _preview.setMinimumSize(smallestPreview);
     _preview.setAccessibleName(text("HOST_CONFIGURE_PREVIEW"));
     _preview.setAccessibleDescription(text("HOST_CONFIGURE_PREVIEW_DESCRIPTION"));
+    _preview.setViewWillGoHandler([this] { closeOptions(); });
     _failure->setTextFormat(Qt::PlainText);
     _failure->setWordWrap(true);
     _failure->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
@@ -33,8 +58,13 @@ ConfigureWindow::ConfigureWindow(const Showing& showing, const HostTexts& texts,
     makeButtons();
     layOut(hosts);
     _test.setEndHandler([this](const std::optional<std::string>& failure) { endFullscreenTest(failure); });
-    const auto* const escape = new QShortcut(QKeySequence::Cancel, this);
+    auto* const escape = new QShortcut(QKeySequence::Cancel, this);
+    escape->setAutoRepeat(false);  // the key may be the one that has just closed the options
     connect(escape, &QShortcut::activated, this, [this] { close(); });
+}
+
+ConfigureWindow::~ConfigureWindow() {
+    closeOptions();
 }
 
 void ConfigureWindow::makeButtons() {
@@ -43,10 +73,10 @@ void ConfigureWindow::makeButtons() {
     _fullscreen->setToolTip(text("HOST_CONFIGURE_FULLSCREEN_TIP"));
     _close->setText(text("HOST_CONFIGURE_CLOSE"));
     for (QPushButton* const button : {_options, _fullscreen, _close}) {
-        button->setAutoDefault(true);  // Return presses it as the space bar does
         button->setAccessibleName(button->text().remove(QLatin1Char('&')));
     }
     _fullscreen->setAccessibleDescription(_fullscreen->toolTip());
+    _close->setAccessibleDescription(text("HOST_CONFIGURE_CLOSE_DESCRIPTION"));
     connect(_options, &QPushButton::clicked, this, [this] { openOptions(); });
     connect(_fullscreen, &QPushButton::clicked, this, [this] { startFullscreenTest(); });
     connect(_close, &QPushButton::clicked, this, [this] { close(); });
@@ -127,8 +157,10 @@ void ConfigureWindow::openOptions() {
     QWidget* const sheet = _preview.view() != nullptr ? _preview.view()->configureSheet() : nullptr;
     if (sheet == nullptr) {
         updateOptionsButton();
+        showFailure(text("HOST_CONFIGURE_OPTIONS_FAILED"));
         return;
     }
+    _failure->hide();
     if (_sheet != sheet) {
         sheet->setParent(this, Qt::Dialog);
         sheet->setWindowModality(Qt::WindowModal);
@@ -138,6 +170,16 @@ void ConfigureWindow::openOptions() {
     sheet->show();
     sheet->raise();
     sheet->activateWindow();
+}
+
+/// What was changed there is kept, as with its own button.
+void ConfigureWindow::closeOptions() {
+    if (_sheet != nullptr) {
+        _sheet->close();
+    }
+    if (_sheet != nullptr) {
+        _sheet->removeEventFilter(this);
+    }
 }
 
 bool ConfigureWindow::eventFilter(QObject* object, QEvent* event) {
@@ -163,10 +205,14 @@ void ConfigureWindow::endFullscreenTest(const std::optional<std::string>& failur
     _fullscreen->setFocus();
     if (failure) {
         const std::string reason = failure->empty() ? _texts.text("HOST_CONFIGURE_FULLSCREEN_ENDED") : *failure;
-        _failure->setText(QString::fromStdString(
+        showFailure(QString::fromStdString(
             platform::formatted(_texts.text("HOST_CONFIGURE_FULLSCREEN_FAILED_FORMAT"), reason)));
-        _failure->show();
     }
+}
+
+void ConfigureWindow::showFailure(const QString& text) {
+    _failure->setText(text);
+    _failure->show();
 }
 
 }  // namespace host

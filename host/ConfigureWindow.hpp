@@ -24,6 +24,9 @@ public:
     /// `fullscreenCommand` is the program and the arguments of the test.
     ConfigureWindow(const Showing& showing, const HostTexts& texts, const std::vector<SaverHost>& hosts,
                     const std::vector<std::string>& fullscreenCommand);
+    ~ConfigureWindow() override;
+    ConfigureWindow(const ConfigureWindow&) = delete;
+    ConfigureWindow& operator=(const ConfigureWindow&) = delete;
 
     /// Brings it before all others, wherever it is.
     void present();
@@ -39,6 +42,8 @@ private:
     void layOut(const std::vector<SaverHost>& hosts);
     void updateOptionsButton();
     void openOptions();
+    void closeOptions();
+    void showFailure(const QString& text);
     void startFullscreenTest();
     void endFullscreenTest(const std::optional<std::string>& failure);
     QString text(const char* key) const { return QString::fromStdString(_texts.text(key)); }
@@ -46,9 +51,9 @@ private:
     const HostTexts _texts;
     SaverWindows _windows;
     SaverWindow& _preview;
-    QPushButton* _options = new QPushButton(this);
-    QPushButton* _fullscreen = new QPushButton(this);
-    QPushButton* _close = new QPushButton(this);
+    QPushButton* const _options;
+    QPushButton* const _fullscreen;
+    QPushButton* const _close;
     QLabel* _failure = new QLabel(this);
     QPointer<QWidget> _sheet;  // the view's own, while it is open
     FullscreenTest _test;

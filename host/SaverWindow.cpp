@@ -53,6 +53,14 @@ void SaverWindow::makeView() {
     }
 }
 
+void SaverWindow::replaceView() {
+    if (_viewWillGo) {
+        _viewWillGo();
+    }
+    closeView();
+    makeView();
+}
+
 void SaverWindow::showReason(const std::string& reason) {
     auto* label = new QLabel(QString::fromStdString(reason), this);
     label->setWordWrap(true);
@@ -66,9 +74,8 @@ void SaverWindow::showReason(const std::string& reason) {
 
 void SaverWindow::makeViewAnew() {
     if (mayReplaceView()) {
-        closeView();
         _isUncovered = true;
-        makeView();
+        replaceView();
         _isRecovering = true;
         startOrStop();
     }
@@ -84,8 +91,7 @@ void SaverWindow::startAnew() {
 void SaverWindow::showErrorCode(const ErrorCode& error) {
     if (mayReplaceView()) {
         if (std::exchange(_isRecovering, false) && _view->shownError()) {
-            closeView();
-            makeView();
+            replaceView();
         }
         if (_view == nullptr) {
             return;  // the reason stands in its place

@@ -37,6 +37,8 @@ public:
     /// After the device was lost: another view in place of the one that draws no more. Where even that cannot be
     /// started, the handler is called, and the next one made takes its place; other errors stand.
     void makeViewAnew();
+    /// Called before a view goes because another takes its place.
+    void setViewWillGoHandler(std::function<void()> handler) { _viewWillGo = std::move(handler); }
     void setRecoveryFailedHandler(std::function<void()> handler) { _recoveryFailed = std::move(handler); }
     /// After screens got other numbers, which views take note of when they start.
     void startAnew();
@@ -60,6 +62,7 @@ protected:
 
 private:
     void makeView();
+    void replaceView();
     void showReason(const std::string& reason);
     bool isMapped() const;
     bool mayReplaceView() const { return _view != nullptr && (_isRecovering || !_view->shownError()); }
@@ -74,6 +77,7 @@ private:
     bool _isUncovered = true;
     bool _isPaused = false;
     bool _isRecovering = false;  ///< its view was made anew and has not started yet, or could not
+    std::function<void()> _viewWillGo;
     std::function<void()> _recoveryFailed;
     QTimer _startSoon;
 };

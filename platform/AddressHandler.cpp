@@ -79,11 +79,11 @@ std::optional<pid_t> spawn(const std::string& address) {
 /// Waits in the event loop for the end of a child, takes it and goes. Owned by the application.
 class ChildWatch final : public QObject {
 public:
-    ChildWatch(pid_t process, std::function<void()> failed)
+    ChildWatch(pid_t process, std::function<void(HandlerDoubt)> doubted)
         : QObject(QCoreApplication::instance()),
           _process(process),
           _descriptor(static_cast<int>(syscall(SYS_pidfd_open, process, 0))),
-          _failed(std::move(failed)) {
+          _doubted(std::move(doubted)) {
         if (_descriptor >= 0) {
             auto notifier = std::make_unique<QSocketNotifier>(_descriptor, QSocketNotifier::Read);
             connect(notifier.get(), &QSocketNotifier::activated, this, [this] { look(); });
@@ -97,6 +97,7 @@ public:
     }
     ~ChildWatch() override {
         _source.reset();
+        doubt(HandlerDoubt::Unknown);
         if (_descriptor >= 0) {
             close(_descriptor);
         }
@@ -112,26 +113,34 @@ private:
             return;
         }
         const bool wentWell = taken != _process || (WIFEXITED(status) && WEXITSTATUS(status) == 0);
-        if (!wentWell && secondsNow() - _start <= handlerPatienceSeconds && _failed) {
-            std::exchange(_failed, nullptr)();
+        if (!wentWell) {
+            doubt(HandlerDoubt::Failed);
         }
+        _doubted = nullptr;
         _source->blockSignals(true);
         deleteLater();
+    }
+
+    void doubt(HandlerDoubt doubt) {
+        if (const auto doubted = std::exchange(_doubted, nullptr);
+            doubted && secondsNow() - _start <= handlerPatienceSeconds) {
+            doubted(doubt);
+        }
     }
 
     const pid_t _process;
     const int _descriptor;
     const double _start = secondsNow();
-    std::function<void()> _failed;
-    std::unique_ptr<QObject> _source;  // says when to look
+    std::function<void(HandlerDoubt)> _doubted;  // none once there is none
+    std::unique_ptr<QObject> _source;            // says when to look
 };
 
 }  // namespace
 
-bool startAddressHandler(const std::string& address, std::function<void()> failed) {
+bool startAddressHandler(const std::string& address, std::function<void(HandlerDoubt)> doubted) {
     const auto process = spawn(address);
     if (process) {
-        new ChildWatch(*process, std::move(failed));
+        new ChildWatch(*process, std::move(doubted));
     }
     return process.has_value();
 }

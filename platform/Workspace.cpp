@@ -105,6 +105,14 @@ std::string keepMail(const std::string& address) {
                  : formatted(localized(mailKept), file.string());
 }
 
+/// Nobody is there any more to be told, and a clipboard goes with its program.
+void keepQuietly(const std::string& address) {
+    if (isMailAddress(address)) {
+        fs::path file;
+        writeNewFile(mailText(address), file);
+    }
+}
+
 void keep(const std::string& address, Reason reason) {
     if (isMailAddress(address)) {
         const std::string where = keepMail(address);
@@ -126,7 +134,12 @@ void openURL(const std::optional<std::string>& address) {
     }
     if (address->size() > longestOpenedAddress) {
         keep(*address, Reason::TooLong);
-    } else if (!startAddressHandler(*address, [given = *address] { keep(given, Reason::NotOpened); })) {
+        return;
+    }
+    const auto keepInDoubt = [given = *address](HandlerDoubt doubt) {
+        doubt == HandlerDoubt::Failed ? keep(given, Reason::NotOpened) : keepQuietly(given);
+    };
+    if (!startAddressHandler(*address, keepInDoubt)) {
         keep(*address, Reason::NotOpened);
     }
 }

@@ -21,6 +21,11 @@ void show(platform::PopUpButton* popUp, std::int64_t index) {
     }
 }
 
+/// There is none before the form is loaded.
+bool canStart(const std::shared_ptr<QZLEasterEggAnimator>& animator) {
+    return animator != nullptr && !animator->isAnimating();
+}
+
 }  // namespace
 
 QZLCirraneController::QZLCirraneController() : QZLConfigureController(formName) {
@@ -98,24 +103,24 @@ void QZLCirraneController::closeSheet() {
 }
 
 void QZLCirraneController::startDedicationEasterEgg() {
-    if (!_dedicationEasterEgg->isAnimating() && QZLEventModifierFlagsMatch(platform::eventModifierFlagOption)) {
+    if (canStart(_dedicationEasterEgg) && QZLEventModifierFlagsMatch(platform::eventModifierFlagOption)) {
         _dedicationEasterEgg->startAnimation();
     }
 }
 
 void QZLCirraneController::startShowExtraEasterEgg() {
-    if (!extraIsAnimating() && QZLEventModifierFlagsMatch(platform::eventModifierFlagCommand)) {
+    if (canStartExtra() && QZLEventModifierFlagsMatch(platform::eventModifierFlagCommand)) {
         _extraShowEasterEgg->startAnimation();
     }
 }
 
 /// Any click hides what only one with the right key shows.
 void QZLCirraneController::startHideExtraEasterEgg() {
-    if (!extraIsAnimating()) {
+    if (canStartExtra()) {
         _extraHideEasterEgg->startAnimation();
     }
 }
 
-bool QZLCirraneController::extraIsAnimating() const {
-    return _extraShowEasterEgg->isAnimating() || _extraHideEasterEgg->isAnimating();
+bool QZLCirraneController::canStartExtra() const {
+    return canStart(_extraShowEasterEgg) && canStart(_extraHideEasterEgg);
 }

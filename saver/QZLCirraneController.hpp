@@ -27,7 +27,7 @@ protected:
     void storeValues() override;
 
 private:
-    bool extraIsAnimating() const;
+    bool canStartExtra() const;
 
     QPointer<platform::Slider> _colors;
     QPointer<platform::Slider> _brightness;

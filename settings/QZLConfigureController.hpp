@@ -29,6 +29,8 @@ protected:
     explicit QZLConfigureController(std::string formName);
 
     void windowDidLoad() override;
+    /// Shown again, the sheet shows what is stored by then.
+    void windowWillAppear() override { loadValues(); }
 
     /// Fills the controls with the stored values; a saver calls the base first.
     virtual void loadValues();

@@ -15,6 +15,7 @@ void QZLHotLink::awakeFromNib() {
 void QZLHotLink::setStringValue(const std::string& value) {
     setTextFormat(Qt::PlainText);
     setText(QString::fromStdString(value));
+    setFocusPolicy(value.empty() ? Qt::NoFocus : Qt::TabFocus);  // nobody shall come to what cannot be seen
     QFont underlined = font();
     underlined.setUnderline(true);
     setFont(underlined);

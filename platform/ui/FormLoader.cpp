@@ -4,6 +4,7 @@
 #include "platform/SystemLog.hpp"
 #include "platform/ui/PictureView.hpp"
 #include "platform/ui/PopUpButton.hpp"
+#include "platform/ui/ScrollView.hpp"
 #include "platform/ui/Sheet.hpp"
 #include "platform/ui/Slider.hpp"
 
@@ -61,6 +62,9 @@ private:
         }
         if (className == "platform::Slider") {
             return new Slider(parent);
+        }
+        if (className == "platform::ScrollView") {
+            return new ScrollView(parent);
         }
         if (className == "platform::PopUpButton") {
             return new PopUpButton(parent);

@@ -19,7 +19,7 @@ QRectF partOfShape(const QSizeF& picture, const QSizeF& place) {
 
 PictureView::PictureView(std::filesystem::path directory, QWidget* parent)
     : QWidget(parent), _directory(std::move(directory)) {
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Maximum);
 }
 
 void PictureView::setPicture(const QString& picture) {

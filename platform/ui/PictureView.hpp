@@ -23,9 +23,9 @@ public:
     const QString& title() const { return _title; }
     void setTitle(const QString& title);
 
-    /// Six lines of text high, and as wide as the title needs.
+    /// Six lines of text high, or half of that where room is scarce, and as wide as the title needs.
     QSize sizeHint() const override;
-    QSize minimumSizeHint() const override { return sizeHint(); }
+    QSize minimumSizeHint() const override { return {sizeHint().width(), sizeHint().height() / 2}; }
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -9,9 +9,9 @@
 namespace platform {
 namespace {
 
-constexpr int stepCount = 1000;
-constexpr int stepsPerKey = 10;
-constexpr int stepsPerPage = 100;
+constexpr int stepCount = 100;  // so that assistive technologies tell per cent
+constexpr int stepsPerKey = 1;
+constexpr int stepsPerPage = 10;
 
 }  // namespace
 

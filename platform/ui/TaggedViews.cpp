@@ -1,5 +1,6 @@
 #include "platform/ui/TaggedViews.hpp"
 
+#include <QtCore/QPointer>
 #include <QtCore/QVariant>
 #include <QtWidgets/QGraphicsOpacityEffect>
 #include <QtWidgets/QWidget>
@@ -8,6 +9,7 @@ namespace platform {
 namespace {
 
 constexpr const char* tagProperty = "tag";
+constexpr const char* formerFocusProperty = "formerFocus";
 
 /// An effect of ours. One that is enabled fades its view. One that is disabled costs nothing; it is there because Qt
 /// leaves out what lies behind an opaque view, even when that is within a faded one, and takes no view with an effect
@@ -74,6 +76,24 @@ void settleBelow(const QWidget& view) {
     });
 }
 
+/// Qt would hand the focus on to whatever comes next, and leave it with a hidden view when nothing is left: keys would
+/// still work there.
+void takeFocusFrom(QWidget& view) {
+    QPointer<QWidget> focus = view.window()->focusWidget();
+    if (focus != nullptr && (focus == &view || view.isAncestorOf(focus))) {
+        view.setProperty(formerFocusProperty, QVariant::fromValue(focus));
+        focus->clearFocus();
+    }
+}
+
+void giveFocusBackTo(QWidget& view) {
+    const auto former = view.property(formerFocusProperty).value<QPointer<QWidget>>();
+    view.setProperty(formerFocusProperty, QVariant());
+    if (former != nullptr && view.window()->focusWidget() == nullptr) {
+        former->setFocus();
+    }
+}
+
 }  // namespace
 
 QWidget* viewWithTag(QWidget* root, std::int32_t tag) {
@@ -127,7 +147,13 @@ bool isHidden(const QWidget& view) {
 }
 
 void setHidden(QWidget& view, bool hidden) {
-    view.setHidden(hidden);
+    if (hidden) {
+        takeFocusFrom(view);
+        view.hide();
+    } else {
+        view.show();
+        giveFocusBackTo(view);
+    }
 }
 
 void keepSpaceOfTaggedViews(QWidget& root) {

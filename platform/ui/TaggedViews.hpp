@@ -20,6 +20,8 @@ void setAlphaValue(QWidget& view, double alpha);
 
 /// Whether this view itself was hidden, whatever its parents are.
 bool isHidden(const QWidget& view);
+/// A view that is hidden leaves nobody the focus that was in it, so that no key does what cannot be seen; shown again,
+/// it gets it back if nobody has it meanwhile.
 void setHidden(QWidget& view, bool hidden);
 
 /// From now on tagged views from `root` on down keep their place in their layouts when they are hidden.

@@ -4,6 +4,7 @@
 #include "platform/ui/FormLoader.hpp"
 #include "platform/ui/TaggedViews.hpp"
 
+#include <QtCore/QEvent>
 #include <QtWidgets/QAbstractButton>
 #include <utility>
 
@@ -37,6 +38,24 @@ private:
     const std::function<void()>& _action;
 };
 
+/// Tells when the program shows a window; the window system's own showing and hiding does not count.
+class Appearances final : public QObject {
+public:
+    Appearances(QObject* window, std::function<void()> appears) : QObject(window), _appears(std::move(appears)) {
+        window->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Show && !event->spontaneous()) {
+            _appears();
+        }
+        return false;
+    }
+
+private:
+    const std::function<void()> _appears;
+};
+
 }  // namespace
 
 WindowController::WindowController(std::shared_ptr<const Bundle> bundle, std::string formName)
@@ -67,6 +86,7 @@ void WindowController::load() {
     }
     keepSpaceOfTaggedViews(*_window);
     windowDidLoad();
+    new Appearances(_window, [this] { windowWillAppear(); });
 }
 
 void WindowController::bindOutlet(QWidget& view) {

@@ -45,6 +45,8 @@ protected:
 
     /// Called once, with the window loaded and the outlets set.
     virtual void windowDidLoad() {}
+    /// Called every time that the program shows the window, before it can be seen.
+    virtual void windowWillAppear() {}
 
 private:
     void load();

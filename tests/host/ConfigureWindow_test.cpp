@@ -1,86 +1,12 @@
-#include "host/ConfigureWindow.hpp"
+#include "tests/host/ConfigureWindowTest.hpp"
 
-#include "tests/host/RecordingSaver.hpp"
-#include "tests/support/EventLoop.hpp"
-#include "tests/support/FakeGpu.hpp"
-#include "tests/support/Files.hpp"
-#include "tests/support/TemporaryDirectory.hpp"
-
-#include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <QtGui/QImage>
-#include <QtGui/QKeyEvent>
-#include <QtWidgets/QApplication>
 #include <QtWidgets/QLineEdit>
-#include <QtWidgets/QMessageBox>
-#include <filesystem>
-#include <memory>
 #include <set>
 
 namespace {
-
-using host::ConfigureWindow;
-using host::SaverHost;
-using Lines = std::vector<std::string>;
-
-class ConfigureWindowTest : public testing::Test {
-protected:
-    ~ConfigureWindowTest() override { QApplication::setFont(_font); }
-
-    void open() { open({saver.module(), true, {}}); }
-    void open(const host::Showing& showing) {
-        window = std::make_unique<ConfigureWindow>(showing, host::HostTexts(nullptr), hosts, command);
-        window->show();
-        handleEvents();
-    }
-    static void handleEvents() {
-        for (int round = 0; round < 3; ++round) {
-            QApplication::sendPostedEvents();
-            QApplication::processEvents();
-        }
-    }
-    QPushButton* button(const QString& name) const {
-        for (QPushButton* const candidate : window->findChildren<QPushButton*>()) {
-            if (candidate->accessibleName() == name) {
-                return candidate;
-            }
-        }
-        ADD_FAILURE() << "there is no button " << name.toStdString();
-        return nullptr;
-    }
-    QPushButton* options() const { return button(QStringLiteral("Options…")); }
-    QPushButton* fullscreen() const { return button(QStringLiteral("Full-screen test")); }
-    void press(int key) const {
-        QWidget* const focused = window->focusWidget();
-        QKeyEvent down(QEvent::KeyPress, key, Qt::NoModifier);
-        QKeyEvent up(QEvent::KeyRelease, key, Qt::NoModifier);
-        QApplication::sendEvent(focused, &down);
-        QApplication::sendEvent(focused, &up);
-    }
-    bool shows(const std::string& words) const {
-        for (const QLabel* const label : window->findChildren<QLabel*>()) {
-            if (label->isVisible() && label->text().toStdString().find(words) != std::string::npos) {
-                return true;
-            }
-        }
-        return false;
-    }
-    bool eventuallyEndsWith(const std::string& line) const {
-        return fake::eventuallyInLoop([&] { return !saver.lines().empty() && saver.lines().back() == line; });
-    }
-
-    fake::ScopedGpu gpu;
-    fake::RecordingSaver saver;
-    fake::TemporaryDirectory directory;
-    std::vector<SaverHost> hosts{{"XScreenSaver", "HOST_ENABLE_XSCREENSAVER", "a line to copy"},
-                                 {"MATE Screensaver", "HOST_ENABLE_MATE", ""}};
-    std::vector<std::string> command{"/bin/true"};
-    QWidget sheet;
-    std::unique_ptr<ConfigureWindow> window;
-
-private:
-    const QFont _font = QApplication::font();
-};
 
 TEST_F(ConfigureWindowTest, ShowsALivePreviewAndLetsItGoWhenItGoes) {
     open();
@@ -108,56 +34,6 @@ TEST_F(ConfigureWindowTest, ASaverWithoutOptionsSaysSo) {
     EXPECT_FALSE(options()->isEnabled());
     EXPECT_EQ(options()->toolTip(), "This screen saver has no options.");
     EXPECT_EQ(window->focusWidget(), fullscreen());
-}
-
-TEST_F(ConfigureWindowTest, SettingsThatCannotBeKeptAreToldOverWhatIsOpen) {
-    saver.setSheet(&sheet);
-    open();
-    window->tellNotKept("/etc/settings.conf");
-    handleEvents();
-    auto* const box = window->findChild<QMessageBox*>();
-    ASSERT_NE(box, nullptr);
-    EXPECT_TRUE(box->isVisible());
-    EXPECT_TRUE(box->text().contains("/etc/settings.conf")) << box->text().toStdString();
-    press(Qt::Key_Return);
-    ASSERT_TRUE(sheet.isVisible());
-    window->tellNotKept("/etc/settings.conf");
-    handleEvents();
-    EXPECT_NE(sheet.findChild<QMessageBox*>(), nullptr) << "below the sheet it could not be used";
-    sheet.hide();
-    sheet.setParent(nullptr);
-}
-
-TEST_F(ConfigureWindowTest, TheOptionsOpenOverItAndTheFocusComesBack) {
-    saver.setSheet(&sheet);
-    open();
-    EXPECT_EQ(window->focusWidget(), options());
-    for (int time = 0; time < 2; ++time) {
-        press(time == 0 ? Qt::Key_Space : Qt::Key_Return);
-        EXPECT_EQ(saver.lines().back(), "sheet");
-        EXPECT_TRUE(sheet.isVisible());
-        EXPECT_TRUE(sheet.isWindow());
-        EXPECT_EQ(sheet.windowModality(), Qt::WindowModal);
-        EXPECT_EQ(sheet.parentWidget(), window.get());
-        fullscreen()->setFocus();
-        sheet.hide();
-        handleEvents();
-        EXPECT_EQ(window->focusWidget(), options());
-    }
-    sheet.setParent(nullptr);
-}
-
-TEST_F(ConfigureWindowTest, ASheetThatGoesWithItsViewIsForgotten) {
-    auto* const shortLived = new QWidget;
-    saver.setSheet(shortLived);
-    open();
-    options()->click();
-    delete shortLived;
-    saver.setSheet(&sheet);
-    window->present();
-    options()->click();
-    EXPECT_TRUE(sheet.isVisible());
-    sheet.setParent(nullptr);
 }
 
 TEST_F(ConfigureWindowTest, TheFullScreenTestStopsThePreviewWhileItRuns) {
@@ -245,6 +121,7 @@ TEST_F(ConfigureWindowTest, EverythingThatTakesTheFocusHasAName) {
         }
     }
     for (const QPushButton* const each : window->findChildren<QPushButton*>()) {
+        EXPECT_FALSE(each->accessibleDescription().isEmpty()) << each->text().toStdString();
         const QString text = each->text();
         EXPECT_TRUE(mnemonics.insert(text[text.indexOf(QLatin1Char('&')) + 1].toLower()).second) << text.toStdString();
     }

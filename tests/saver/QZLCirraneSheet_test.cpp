@@ -1,7 +1,10 @@
 // The sheet's form as people meet it: in every language and size of text, by keyboard and by ear.
 #include "tests/saver/SheetTest.hpp"
 
+#include <QtGui/QScreen>
 #include <QtWidgets/QComboBox>
+#include <QtWidgets/QScrollArea>
+#include <QtWidgets/QScrollBar>
 #include <algorithm>
 #include <cmath>
 #include <set>
@@ -65,7 +68,7 @@ double relativeLuminance(QRgb pixel) {
 
 /// Between a view's darkest and lightest pixel: its text and what it stands on.
 double contrastWithin(QWidget& view) {
-    const QImage image = view.window()->grab(QRect(view.mapTo(view.window(), QPoint()), view.size())).toImage();
+    const QImage image = view.grab().toImage();
     double darkest = 1.0;
     double lightest = 0.0;
     for (int y = 0; y < image.height(); ++y) {
@@ -87,6 +90,7 @@ QPalette darkPalette() {
 }
 
 TEST_F(QZLCirraneSheet, EveryTextStandsOutInLightAndDark) {
+    const QPalette former = QApplication::palette();
     for (const auto& [name, palette] :
          {std::pair("light", QPalette(QColor(239, 239, 239))), std::pair("dark", darkPalette())}) {
         QApplication::setPalette(palette);
@@ -108,6 +112,22 @@ TEST_F(QZLCirraneSheet, EveryTextStandsOutInLightAndDark) {
         timers.tick(28);
         expectReadable("extra");
     }
+    QApplication::setPalette(former);
+}
+
+TEST_F(QZLCirraneSheet, IsAllToBeSeenWhereThereIsRoomAndScrollsWhereThereIsNot) {
+    openWhole();
+    QApplication::processEvents();
+    const auto& scrolled = view<QScrollArea>("scroll");
+    const int room = window().screen()->availableSize().height();
+    const int hidden = scrolled.verticalScrollBar()->maximum();
+    const bool hasRoom = window().height() + hidden <= room * 9 / 10;
+    EXPECT_EQ(hidden == 0, hasRoom) << hidden;
+    EXPECT_LE(window().height(), room);
+    EXPECT_EQ(scrolled.horizontalScrollBar()->maximum(), 0);
+    button("reset").setFocus();
+    QTest::keyClick(&button("reset"), Qt::Key_Tab);
+    EXPECT_FALSE(button("close").visibleRegion().isEmpty()) << "it follows the focus";
 }
 
 TEST_F(QZLCirraneSheet, TheWayBackLooksLikeTheOtherLinks) {
@@ -138,7 +158,12 @@ protected:
         window().grab().save(QString::fromStdString(SHEET_PICTURES "/" + where + ".png"));
     }
 
+    ~InLanguage() override { QApplication::setFont(_font); }
+
     fake::ScopedEnvironment language{"LANGUAGE", GetParam()};
+
+private:
+    const QFont _font = QApplication::font();
 };
 
 TEST_P(InLanguage, NoTextIsCut) {

@@ -5,8 +5,11 @@
 #include <gtest/gtest.h>
 
 #include <QtCore/QVariant>
+#include <QtTest/QTest>
 #include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
 #include <QtWidgets/QVBoxLayout>
+#include <array>
 #include <limits>
 
 namespace {
@@ -168,6 +171,53 @@ TEST(KeepSpaceOfTaggedViews, LetsNothingElseMoveWhenTheyAreHidden) {
 
     platform::setHidden(*plain, true);
     EXPECT_LT(root.minimumSizeHint().height(), size.height()) << "views without a tag are as ever";
+}
+
+/// Two lines of text in views that are hidden and shown.
+class HidingViews : public testing::Test {
+protected:
+    HidingViews() {
+        auto* layout = new QVBoxLayout(&window);
+        for (QLineEdit*& line : lines) {
+            auto* view = new QFrame;
+            line = new QLineEdit;
+            (new QVBoxLayout(view))->addWidget(line);
+            layout->addWidget(view);
+        }
+        EXPECT_TRUE(fake::showActive(window));
+    }
+    QWidget& view(int number) { return *lines[number]->parentWidget(); }
+
+    QWidget window;
+    std::array<QLineEdit*, 2> lines{};
+};
+
+TEST_F(HidingViews, LeaveNobodyTheFocusAndGetItBack) {
+    lines[1]->setFocus();
+    platform::setHidden(view(1), true);
+    platform::setHidden(view(0), true);
+    EXPECT_EQ(window.focusWidget(), nullptr);
+    QTest::keyClick(window.windowHandle(), Qt::Key_X);
+    platform::setHidden(view(0), false);
+    EXPECT_EQ(window.focusWidget(), nullptr) << "it was not there";
+    platform::setHidden(view(1), false);
+    EXPECT_EQ(window.focusWidget(), lines[1]);
+    EXPECT_EQ(lines[0]->text() + lines[1]->text(), QString()) << "no key works in what cannot be seen";
+}
+
+TEST_F(HidingViews, DoNotTakeTheFocusBackFromWhoHasItNow) {
+    lines[1]->setFocus();
+    platform::setHidden(view(1), true);
+    lines[0]->setFocus();
+    platform::setHidden(view(1), false);
+    EXPECT_EQ(window.focusWidget(), lines[0]);
+}
+
+TEST_F(HidingViews, ThatWereLeftByTheFocusLeaveItWhereItIs) {
+    lines[0]->setFocus();
+    platform::setHidden(view(1), true);
+    platform::setHidden(view(1), false);
+    EXPECT_EQ(window.focusWidget(), lines[0]);
 }
 
 }  // namespace

@@ -6,10 +6,13 @@
 
 #include <gtest/gtest.h>
 
+#include <QtGui/QScreen>
 #include <QtTest/QTest>
 #include <QtWidgets/QCheckBox>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QPushButton>
+#include <QtWidgets/QScrollArea>
+#include <QtWidgets/QScrollBar>
 #include <fstream>
 #include <vector>
 
@@ -30,9 +33,12 @@ public:
         EXPECT_NE(window(), nullptr) << "it is there already";
     }
 
+    void windowWillAppear() override { ++appearances; }
+
     QPointer<QLabel> name;
     QPointer<QCheckBox> missing;
     int actions = 0;
+    int appearances = 0;
     int loads = 0;
 };
 
@@ -123,6 +129,56 @@ TEST_F(WindowController, OutlivesAWindowThatItsHostHasTakenAlong) {
     delete controller.window();
     EXPECT_EQ(controller.window(), nullptr);
     EXPECT_EQ(controller.name, nullptr);
+}
+
+TEST_F(WindowController, HearsEveryTimeThatItsWindowIsShown) {
+    writeForm("");
+    Controller controller(opened());
+    QWidget* const window = controller.window();
+    EXPECT_EQ(controller.appearances, 0);
+    for (int time = 1; time <= 2; ++time) {
+        window->show();
+        EXPECT_EQ(controller.appearances, time);
+        window->show();
+        window->setWindowState(Qt::WindowMinimized);
+        window->setWindowState(Qt::WindowNoState);
+        EXPECT_EQ(controller.appearances, time) << "it was there all the time";
+        window->hide();
+    }
+}
+
+TEST_F(WindowController, ASheetThatIsLargerThanItsScreenScrolls) {
+    const QString large = QStringLiteral(
+        "<property name=\"minimumSize\"><size><width>200</width><height>%1</height>"
+        "</size></property>");
+    for (const int height : {300, 5000}) {
+        writeForm(
+            "<item><widget class=\"platform::ScrollView\" name=\"scroll\"><widget class=\"QFrame\" "
+            "name=\"body\">" +
+            large.arg(height).toStdString() + "</widget></widget></item>");
+        Controller controller(opened());
+        QWidget* const window = controller.window();
+        window->show();
+        const bool fits = height == 300;
+        EXPECT_EQ(window->height() >= height, fits);
+        EXPECT_LE(window->height(), window->screen()->availableSize().height());
+        EXPECT_GE(window->width(), 200);
+        EXPECT_EQ(window->findChild<QScrollArea*>()->verticalScrollBar()->maximum() == 0, fits) << height;
+        EXPECT_EQ(window->findChild<QScrollArea*>()->horizontalScrollBar()->maximum(), 0) << height;
+    }
+}
+
+TEST_F(WindowController, EnterWithAnotherKeyHeldDoesNotCloseASheet) {
+    writeForm("");
+    Controller controller(opened());
+    QWidget* const window = controller.window();
+    window->show();
+    for (const auto modifier : {Qt::AltModifier, Qt::MetaModifier, Qt::ControlModifier, Qt::ShiftModifier}) {
+        QTest::keyClick(window, Qt::Key_Return, modifier);
+        EXPECT_TRUE(window->isVisible());
+    }
+    QTest::keyClick(window, Qt::Key_Enter, Qt::KeypadModifier);
+    EXPECT_FALSE(window->isVisible());
 }
 
 TEST_F(WindowController, HowASheetIsClosedIsItsDefaultButtonsAffair) {
