@@ -14,6 +14,17 @@ protected:
     QLabel& heading() { return view<QLabel>("heading"); }
     QLabel& back() { return view<QLabel>("extraBack"); }
 
+    /// Of the four keys that are compared, none to all of them.
+    static std::vector<Qt::KeyboardModifiers> everyCombination() {
+        std::vector<Qt::KeyboardModifiers> combinations{Qt::NoModifier};
+        for (const auto key : {Qt::ShiftModifier, Qt::ControlModifier, Qt::AltModifier, Qt::MetaModifier}) {
+            for (const auto without : std::vector(combinations)) {
+                combinations.push_back(without | key);
+            }
+        }
+        return combinations;
+    }
+
     void showExtra() {
         click(heading(), Qt::MetaModifier);
         timers.tick(ticksOfExtra);
@@ -52,12 +63,30 @@ TEST_F(QZLCirraneEasterEggs, AnOptionClickPlaysTheDedicationAndBringsAllBack) {
     EXPECT_TRUE(areHidden(400, 404));
 }
 
-TEST_F(QZLCirraneEasterEggs, OtherKeysDoNotPlayTheDedication) {
-    for (const Qt::KeyboardModifiers keys :
-         {Qt::KeyboardModifiers(Qt::NoModifier), Qt::AltModifier | Qt::ShiftModifier,
-          Qt::AltModifier | Qt::MetaModifier, Qt::KeyboardModifiers(Qt::MetaModifier)}) {
+TEST_F(QZLCirraneEasterEggs, OnlyOptionAlonePlaysTheDedication) {
+    for (const Qt::KeyboardModifiers keys : everyCombination()) {
         click(version(), keys);
-        EXPECT_EQ(timers.runningTimers(), 0U) << keys.toInt();
+        EXPECT_EQ(timers.runningTimers(), keys == Qt::AltModifier ? 1U : 0U) << keys.toInt();
+        tickToTheEnd();
+    }
+}
+
+TEST_F(QZLCirraneEasterEggs, OnlyCommandAloneShowsTheExtraGroup) {
+    for (const Qt::KeyboardModifiers keys : everyCombination()) {
+        click(heading(), keys);
+        EXPECT_EQ(timers.runningTimers(), keys == Qt::MetaModifier ? 1U : 0U) << keys.toInt();
+        tickToTheEnd();
+    }
+    EXPECT_TRUE(areHidden(100, 117) && areShown(200, 203));
+}
+
+TEST_F(QZLCirraneEasterEggs, WhateverKeysAreHeldAClickHidesTheExtraGroup) {
+    for (const Qt::KeyboardModifiers keys : everyCombination()) {
+        showExtra();
+        click(back(), keys);
+        EXPECT_EQ(timers.runningTimers(), 1U) << keys.toInt();
+        tickToTheEnd();
+        EXPECT_TRUE(areShown(100, 117) && areHidden(200, 203)) << keys.toInt();
     }
 }
 

@@ -50,6 +50,14 @@ void Timers::tick(int times) {
     }
 }
 
+std::vector<double> Timers::intervals() const {
+    std::vector<double> intervals;
+    for (const auto& timer : _running) {
+        intervals.push_back(timer->timeInterval());
+    }
+    return intervals;
+}
+
 void Timers::end() {
     _hasEnded = true;
     while (!_running.empty()) {

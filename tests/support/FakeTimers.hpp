@@ -19,6 +19,8 @@ public:
     /// Calls every running timer that often, in turns.
     void tick(int times = 1);
     std::size_t runningTimers() const { return _running.size(); }
+    /// Of the running timers, in seconds.
+    std::vector<double> intervals() const;
     /// Running timers are forgotten as they are when an application ends, and there are no more from now on.
     void end();
 

@@ -49,6 +49,18 @@ void Bundle::setInfo(const std::string& key, const std::string& value) {
     putInForce();
 }
 
+void Bundle::clearInfo() {
+    _info = {{"CFBundleIdentifier", _info.at("CFBundleIdentifier")}};
+    writeInfo();
+    putInForce();
+}
+
+void Bundle::copyFromBuilt(const std::filesystem::path& name) const {
+    std::filesystem::create_directories((_directory / name).parent_path());
+    std::filesystem::copy(std::filesystem::path(CIRRANE_BUILT_BUNDLE) / name, _directory / name,
+                          std::filesystem::copy_options::recursive);
+}
+
 void Bundle::writeInfo() {
     writeJson(_directory / "Info.json", _info);
 }

@@ -24,6 +24,10 @@ public:
     const std::filesystem::path& directory() const { return _directory; }
     /// Replaces a value of Info.json; seen from the next look-up on.
     void setInfo(const std::string& key, const std::string& value);
+    /// Leaves only the identifier in Info.json.
+    void clearInfo();
+    /// Copies a form or another file of the bundle that the build made into this one, as it lies there.
+    void copyFromBuilt(const std::filesystem::path& name) const;
 
 private:
     void writeInfo();
