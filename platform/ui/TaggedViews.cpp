@@ -4,6 +4,7 @@
 #include <QtCore/QVariant>
 #include <QtWidgets/QGraphicsOpacityEffect>
 #include <QtWidgets/QWidget>
+#include <algorithm>
 
 namespace platform {
 namespace {
@@ -17,6 +18,17 @@ constexpr const char* formerFocusProperty = "formerFocus";
 class Fade final : public QGraphicsOpacityEffect {
 public:
     using QGraphicsOpacityEffect::QGraphicsOpacityEffect;
+
+    double alpha() const { return _alpha; }
+    /// Below 1. Qt takes what is next to it for 1 and leaves the effect out, which draws nothing at all within another.
+    void setAlpha(double alpha) {
+        constexpr double mostThatFades = 0.999999;
+        _alpha = alpha;
+        setOpacity(std::min(alpha, mostThatFades));
+    }
+
+private:
+    double _alpha = 1.0;
 };
 
 Fade* fadeOf(const QWidget& view) {
@@ -116,7 +128,7 @@ QWidget* viewWithTag(QWidget* root, std::int32_t tag) {
 }
 
 double alphaValue(const QWidget& view) {
-    return isFaded(view) ? fadeOf(view)->opacity() : 1.0;
+    return isFaded(view) ? fadeOf(view)->alpha() : 1.0;
 }
 
 void setAlphaValue(QWidget& view, double alpha) {
@@ -134,7 +146,7 @@ void setAlphaValue(QWidget& view, double alpha) {
         fade = new Fade(&view);
         view.setGraphicsEffect(fade);
     }
-    fade->setOpacity(alpha > 0.0 ? alpha : 0.0);
+    fade->setAlpha(alpha > 0.0 ? alpha : 0.0);
     if (!wasFaded) {
         fade->setEnabled(true);
         settleBelow(view);

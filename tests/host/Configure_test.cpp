@@ -2,6 +2,7 @@
 #include "tests/host/Display.hpp"
 #include "tests/host/Pixels.hpp"
 #include "tests/host/Process.hpp"
+#include "tests/support/Files.hpp"
 #include "tests/support/TemporaryDirectory.hpp"
 
 #include <gtest/gtest.h>
@@ -28,6 +29,18 @@ protected:
                    fake::brightness(display.pixels({places[0].x + 50, places[0].y + 50, 200, 150})) > 30.0 &&
                    fake::brightness(display.pixels({places[0].x + 50, places[0].y + 50, 200, 150})) < 220.0;
         });
+    }
+
+    /// By the button that has the focus at first.
+    void openOptions() const {
+        display.focus(*display.findWindow("Settings — Cirrane"));
+        display.typeKey(0x20);
+        ASSERT_TRUE(fake::eventually([&] { return display.findWindow("Options — Cirrane"); }));
+        display.focus(*display.findWindow("Options — Cirrane"));
+    }
+    void closeOptions() const {
+        display.typeKey(0xff0d);
+        EXPECT_TRUE(fake::eventually([&] { return !display.findWindow("Options — Cirrane"); }));
     }
 
     fake::Display display;
@@ -89,18 +102,27 @@ TEST_F(Configure, AfterOneThatWasKilledAnotherOpens) {
     EXPECT_TRUE(next->isRunning());
 }
 
+TEST_F(Configure, ThePreviewFollowsWhenTheOptionsAreClosed) {
+    const fake::TemporaryDirectory config;
+    const auto process = start({"WAYLAND_DISPLAY", "XDG_CONFIG_HOME=" + config.path().string()});
+    ASSERT_TRUE(showsClouds());
+    const fake::Place inside{windows()[0].x + 50, windows()[0].y + 50, 200, 150};
+    const auto colourfulness = [&] { return fake::colourfulness(display.pixels(inside)); };
+    ASSERT_TRUE(fake::eventually([&] { return colourfulness() > 20.0; }));  // when it has faded in
+    openOptions();
+    display.typeKey(0xff50);  // Home, on the colours
+    closeOptions();
+    EXPECT_TRUE(fake::eventually([&] { return colourfulness() < 15.0; }));
+}
+
 TEST_F(Configure, SettingsThatCannotBeWrittenAreToldWhenTheSheetCloses) {
     const fake::TemporaryDirectory config;
     std::filesystem::create_directory(config.path() /
                                       "org.example.cirrane.conf");  // also the superuser cannot write it
     const auto process = start({"WAYLAND_DISPLAY", "XDG_CONFIG_HOME=" + config.path().string()});
     ASSERT_TRUE(showsClouds());
-    display.focus(*display.findWindow("Settings — Cirrane"));
-    display.typeKey(0x20);
-    ASSERT_TRUE(fake::eventually([&] { return display.findWindow("Options — Cirrane"); }));
-    display.focus(*display.findWindow("Options — Cirrane"));
-    display.typeKey(0xff0d);
-    EXPECT_TRUE(fake::eventually([&] { return !display.findWindow("Options — Cirrane"); }));
+    openOptions();
+    closeOptions();
     EXPECT_TRUE(fake::eventually([&] { return display.findWindow("Cirrane"); })) << "no message";
     display.askToClose(*display.findWindow("Settings — Cirrane"));
     const auto end = process->waitForEnd();

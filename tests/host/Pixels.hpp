@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -15,6 +16,16 @@ inline double brightness(const std::vector<std::uint8_t>& pixels) {
         sum += pixels[i] + pixels[i + 1] + pixels[i + 2];
     }
     return pixels.empty() ? 0.0 : sum / (static_cast<double>(pixels.size()) * 0.75);
+}
+
+/// The mean difference between a pixel's largest and smallest colour byte: 0 when all is grey.
+inline double colourfulness(const std::vector<std::uint8_t>& pixels) {
+    double sum = 0.0;
+    for (std::size_t i = 0; i + 3 < pixels.size(); i += 4) {
+        const auto [least, most] = std::minmax({pixels[i], pixels[i + 1], pixels[i + 2]});
+        sum += most - least;
+    }
+    return pixels.empty() ? 0.0 : sum * 4.0 / static_cast<double>(pixels.size());
 }
 
 /// The share of pixels that are of that colour, 0xRRGGBB.

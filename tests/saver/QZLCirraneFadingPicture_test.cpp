@@ -92,7 +92,7 @@ protected:
 
 TEST_F(QZLCirraneFadingPicture, TheGroupsAreAsClearAsTheirOpacitiesSay) {
     click(view<QLabel>("heading"), Qt::MetaModifier);
-    for (int tick = 1; tick < 27; ++tick) {
+    for (int tick = 1; tick < 28; ++tick) {
         timers.tick();
         expectDue(tick, 1.0);
     }
@@ -102,7 +102,7 @@ TEST_F(QZLCirraneFadingPicture, WhileTheDedicationBeginsTheyAreTheFainterAndTheH
     click(view<QLabel>("heading"), Qt::MetaModifier);
     click(view<QLabel>("_appVersionCopyright"), Qt::AltModifier);
     const QImage header = seen().copy(placeOf("header"));
-    for (int tick = 1; tick < 27; ++tick) {
+    for (int tick = 1; tick < 28; ++tick) {
         timers.tick();
         expectDue(tick, 1.0 - tick / 48.0);
         EXPECT_EQ(seen().copy(placeOf("header")), header) << tick;
