@@ -104,15 +104,16 @@ TEST_F(Configure, AfterOneThatWasKilledAnotherOpens) {
 
 TEST_F(Configure, ThePreviewFollowsWhenTheOptionsAreClosed) {
     const fake::TemporaryDirectory config;
+    fake::writeFile(config.path() / "org.example.cirrane.conf", "[General]\nColors=1\n");
     const auto process = start({"WAYLAND_DISPLAY", "XDG_CONFIG_HOME=" + config.path().string()});
     ASSERT_TRUE(showsClouds());
     const fake::Place inside{windows()[0].x + 50, windows()[0].y + 50, 200, 150};
     const auto colourfulness = [&] { return fake::colourfulness(display.pixels(inside)); };
-    ASSERT_TRUE(fake::eventually([&] { return colourfulness() > 20.0; }));  // when it has faded in
+    ASSERT_TRUE(fake::eventually([&] { return colourfulness() > 32.0; }));  // 40 to 110, once it has faded in
     openOptions();
     display.typeKey(0xff50);  // Home, on the colours
     closeOptions();
-    EXPECT_TRUE(fake::eventually([&] { return colourfulness() < 15.0; }));
+    EXPECT_TRUE(fake::eventually([&] { return colourfulness() < 25.0; }));  // 8 to 20
 }
 
 TEST_F(Configure, SettingsThatCannotBeWrittenAreToldWhenTheSheetCloses) {
