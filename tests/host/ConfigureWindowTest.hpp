@@ -65,7 +65,7 @@ protected:
     fake::RecordingSaver saver;
     fake::TemporaryDirectory directory;
     std::vector<host::SaverHost> hosts{{"XScreenSaver", "HOST_ENABLE_XSCREENSAVER", "a line to copy"},
-                                 {"MATE Screensaver", "HOST_ENABLE_MATE", ""}};
+                                       {"MATE Screensaver", "HOST_ENABLE_MATE", ""}};
     std::vector<std::string> command{"/bin/true"};
     QWidget sheet;
     std::unique_ptr<host::ConfigureWindow> window;
