@@ -11,6 +11,8 @@ LUMINANCE_WEIGHTS = np.array([0.2126, 0.7152, 0.0722])
 # A Gaussian's tail is cut off there, in standard deviations.
 BLUR_REACH = 3
 
+SHORT_REACH = 6  # pixels
+
 
 def load(path):
     """The frame in a picture file."""
@@ -44,11 +46,32 @@ def _convolved(plane, kernel, axis):
     reach = kernel.size // 2
     padding = [(0, 0), (0, 0)]
     padding[axis] = (reach, reach)
-    length = _fast_length(plane.shape[axis] + 2 * reach)
-    spectrum = np.fft.rfft(np.pad(plane, padding, mode="edge"), length, axis=axis)
+    padded = np.pad(plane, padding, mode="edge")
+    return _summed(padded, kernel, axis) if reach <= SHORT_REACH else _transformed(padded, kernel, axis)
+
+
+def _summed(padded, kernel, axis):
+    """One shifted plane after the other; fast for short kernels."""
+    reach = kernel.size // 2
+    part = [slice(None), slice(None)]
+
+    def shifted(shift):
+        part[axis] = slice(shift, padded.shape[axis] - 2 * reach + shift)
+        return padded[tuple(part)]
+
+    result = kernel[reach] * shifted(reach)
+    for distance in range(1, reach + 1):  # the kernel is symmetric
+        result += kernel[reach + distance] * (shifted(reach - distance) + shifted(reach + distance))
+    return result
+
+
+def _transformed(padded, kernel, axis):
+    """By Fourier transforms; of the same speed for kernels of any length."""
+    length = _fast_length(padded.shape[axis])
+    spectrum = np.fft.rfft(padded, length, axis=axis)
     spectrum *= np.fft.rfft(kernel, length).reshape((-1, 1) if axis == 0 else (1, -1))
     result = np.fft.irfft(spectrum, length, axis=axis)
-    return np.take(result, range(2 * reach, 2 * reach + plane.shape[axis]), axis=axis)
+    return np.take(result, range(kernel.size - 1, padded.shape[axis]), axis=axis)
 
 
 def _fast_length(least):

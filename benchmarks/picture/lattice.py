@@ -13,6 +13,7 @@ SCALES = {"fine": 1 / 540, "mid": 1 / 120, "coarse": 1 / 40}
 
 TILES_PER_HEIGHT = 12
 LEAST_TILE = 8  # pixels
+TINY = 1e-300  # keeps what has no slope, and so no weight, out of divisions by zero
 SECTOR = np.pi / 12  # of the doubled angle: slopes within 7.5 degrees of an axis or of a diagonal count
 
 
@@ -28,11 +29,14 @@ def _orientation_of(plane, deviation):
     border = int(4 * deviation) + 2  # where the blur has seen what lies beyond the picture
     right, down = right[border:-border, border:-border], down[border:-border, border:-border]
     weights = _evened(right**2 + down**2, max(LEAST_TILE, plane.shape[0] // TILES_PER_HEIGHT))
-    angles = np.arctan2(down, right)[: weights.shape[0], : weights.shape[1]]
-    harmonic = (weights * np.exp(4j * angles)).sum() / weights.sum()
-    along_axes = weights[np.abs(np.sin(2 * angles)) < np.sin(SECTOR)].sum()
-    along_diagonals = weights[np.abs(np.cos(2 * angles)) < np.sin(SECTOR)].sum()
-    return harmonic, along_axes / along_diagonals
+    right, down = right[: weights.shape[0], : weights.shape[1]], down[: weights.shape[0], : weights.shape[1]]
+    # Cosine and sine of twice the angle of each slope, without any angle.
+    energy = np.maximum(right**2 + down**2, TINY)
+    cosine, sine = (right**2 - down**2) / energy, 2 * right * down / energy
+    harmonic = complex((weights * (cosine**2 - sine**2)).sum(), (weights * 2 * sine * cosine).sum()) / weights.sum()
+    along_axes = weights[np.abs(sine) < np.sin(SECTOR)].sum()
+    along_diagonals = weights[np.abs(cosine) < np.sin(SECTOR)].sum()
+    return harmonic, float(along_axes / along_diagonals)
 
 
 def _evened(energy, tile):

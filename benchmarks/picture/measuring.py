@@ -12,23 +12,45 @@ import tone
 from thresholds import THRESHOLDS
 
 
-def measures_of_frame(path):
-    """Every measure of a single frame, by its key. Those of the lattice are complex: see `summary`."""
+def _lattice(frame, plane):
+    for scale, (harmonic, axes) in lattice.orientation(plane).items():
+        yield f"lattice_{scale}", harmonic
+        yield f"axes_{scale}", axes
+
+
+def _banding(frame, plane):
+    yield "equal_neighbours", banding.equal_neighbours(frame, plane)
+    yield "flat_runs", banding.flat_runs(frame)
+
+
+def _texel_grid(frame, plane):
+    yield "texel_grid", texelgrid.modulation(plane)
+
+
+def _tone(frame, plane):
+    yield from zip(("luminance_1", "luminance_50", "luminance_99"), tone.luminances(plane))
+    yield "clipped_high", tone.clipped_high(frame)
+    yield "pinned_to_zero", tone.pinned_to_zero(frame)
+
+
+def _mass(frame, plane):
+    yield "mass", mass.half_width(plane)
+
+
+def _colour(frame, plane):
+    yield from zip(("hue", "hue_deviation", "chroma"), colour.hues(frame))
+
+
+ALL = (_lattice, _banding, _texel_grid, _tone, _mass, _colour)
+FAULTS = (_lattice, _banding, _tone)
+TONE_AND_COLOUR = (_tone, _colour)
+
+
+def measures_of_frame(path, kinds=ALL):
+    """Measures of a single frame, by their keys. Those of the lattice are complex: see `summary`."""
     frame = frames.load(path)
     plane = frames.luminance(frame)
-    measures = {}
-    for scale, (harmonic, axes) in lattice.orientation(plane).items():
-        measures[f"lattice_{scale}"] = harmonic
-        measures[f"axes_{scale}"] = axes
-    measures["equal_neighbours"] = banding.equal_neighbours(frame, plane)
-    measures["flat_runs"] = banding.flat_runs(frame)
-    measures["texel_grid"] = texelgrid.modulation(plane)
-    measures["luminance_1"], measures["luminance_50"], measures["luminance_99"] = tone.luminances(plane)
-    measures["clipped_high"] = tone.clipped_high(frame)
-    measures["pinned_to_zero"] = tone.pinned_to_zero(frame)
-    measures["mass"] = mass.half_width(plane)
-    measures["hue"], measures["hue_deviation"], measures["chroma"] = colour.hues(frame)
-    return measures
+    return {key: value for kind in kinds for key, value in kind(frame, plane)}
 
 
 def measures_of_pair(earlier, later):

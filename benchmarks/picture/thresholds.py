@@ -17,8 +17,10 @@ class Threshold:
         return math.isnan(value) or self.least <= value <= self.most
 
     def worst(self, values):
-        """The value that is furthest out of the range, or nearest to its border."""
+        """The value that is furthest out of the range, or nearest to its border; without a range the largest."""
         measured = [value for value in values if not math.isnan(value)] or [math.nan]
+        if not str(self):
+            return max(measured)
         return max(measured, key=lambda value: max(_beyond(self.least, value), _beyond(value, self.most)))
 
     def __str__(self):
@@ -59,4 +61,4 @@ FRAMES_FOR_LATTICE = 16
 
 # At the ends of a setting the picture may be dark, pale or empty; it may not be faulty.
 FAULTS = ("lattice_fine", "lattice_mid", "lattice_coarse", "equal_neighbours", "flat_runs", "clipped_high",
-          "change_most", "change_999")
+          "pinned_to_zero", "change_most", "change_999")
