@@ -36,7 +36,7 @@ def _orientation_of(plane, deviation):
     harmonic = complex((weights * (cosine**2 - sine**2)).sum(), (weights * 2 * sine * cosine).sum()) / weights.sum()
     along_axes = weights[np.abs(sine) < np.sin(SECTOR)].sum()
     along_diagonals = weights[np.abs(cosine) < np.sin(SECTOR)].sum()
-    return harmonic, float(along_axes / along_diagonals)
+    return harmonic, float(along_axes / max(along_diagonals, TINY))
 
 
 def _evened(energy, tile):
