@@ -2,13 +2,13 @@
 import concurrent.futures
 import os
 
-from measuring import ALL, FAULTS, TONE_AND_COLOUR, measures_of_frame, measures_of_pair
+from measuring import ALL, FAULTS, measures_of_frame, measures_of_pair
 
 ENDS_OF_SETTINGS = [f"{key}={value}" for key in ("Colors", "Brightness", "Speed", "Zoom") for value in (0, 1)]
 
 
 def survey_of_defaults(program, seeds, seeds_in_motion):
-    """The measures of a frame for each seed, of three more of other hues, and of what moves."""
+    """The measures of four frames for each seed, of different hues, and of what moves."""
     return on_all_cores([(measures_around_hues, program, seed) for seed in seeds] +
                         [(measures_in_motion, program, seed) for seed in seeds_in_motion])
 
@@ -28,9 +28,8 @@ def on_all_cores(calls):
 
 
 def measures_around_hues(program, seed):
-    """The hue is of no account to the forms, so that those are measured once."""
-    first, *others = program.frames_around_hues(seed)
-    return [measures_of_frame(first), *(measures_of_frame(frame, TONE_AND_COLOUR) for frame in others)]
+    """Meanwhile the clouds have gone on by more than the picture's height, so that the forms are other ones too."""
+    return [measures_of_frame(frame) for frame in program.frames_around_hues(seed)]
 
 
 def measures_at(program, seed, *settings):
