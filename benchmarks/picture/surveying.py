@@ -15,9 +15,11 @@ def survey_of_defaults(program, seeds, seeds_in_motion):
 
 def survey_of_ends(program, seeds, seeds_in_motion):
     """The measures of faults for each setting that is all the way down or up while the others are at their defaults."""
-    return {setting: on_all_cores([(measures_at, program, seed, setting) for seed in seeds] +
-                                  [(measures_in_motion, program, seed, setting) for seed in seeds_in_motion])
-            for setting in ENDS_OF_SETTINGS}
+    calls = {setting: [(measures_at, program, seed, setting) for seed in seeds] +
+                      [(measures_in_motion, program, seed, setting) for seed in seeds_in_motion]
+             for setting in ENDS_OF_SETTINGS}
+    measured = iter(on_all_cores([call for of_setting in calls.values() for call in of_setting]))
+    return {setting: [next(measured) for _ in of_setting] for setting, of_setting in calls.items()}
 
 
 def on_all_cores(calls):
