@@ -1,4 +1,7 @@
-"""The hues of a frame and how strong they are, in OKLab (Björn Ottosson, 2020: https://bottosson.github.io/posts/oklab)."""
+"""The hues of a frame and how strong they are, in OKLab.
+
+Björn Ottosson, "A perceptual color space for image processing", 2020: https://bottosson.github.io/posts/oklab
+"""
 import numpy as np
 
 from frames import blur
@@ -25,7 +28,7 @@ def oklab(frame):
 
 
 def hues(frame):
-    """The mean hue and the standard deviation around it, both in degrees and weighted by chroma, and the mean chroma."""
+    """The mean hue and the standard deviation around it, in degrees and weighted by chroma; the mean chroma."""
     thin = np.stack([blur(frame[:, :, channel], BLUR)[::STEP, ::STEP] for channel in range(3)], 2).clip(0, 255)
     lab = oklab(thin)
     opponents = lab[..., 1] + 1j * lab[..., 2]

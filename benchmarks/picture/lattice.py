@@ -1,8 +1,8 @@
 """Whether a square lattice shows through, as it does where noise is drawn badly: slopes prefer its axes.
 
-Light from one side makes slopes prefer one direction, which is a harmonic of two periods a turn. Of four periods there is
-nothing but a lattice, and that of one frame's clouds, whose phase is another for each seed. So the fourth harmonic is a
-complex number that is averaged over seeds before its size is taken: the clouds' share goes, a lattice's stays.
+Light from one side makes slopes prefer one direction, which is a harmonic of two periods a turn. Of four periods there
+is nothing but a lattice, and that of one frame's clouds, whose phase is another for each seed. So the fourth harmonic
+is a complex number that is averaged over seeds before its size is taken: the clouds' share goes, a lattice's stays.
 """
 import numpy as np
 

@@ -2,8 +2,8 @@
 import pathlib
 import subprocess
 
-# The times that seed the clouds. The hue that each begins with follows from it; these are spread evenly over the circle,
-# in an order in which the first four, and any four after those, lie in its four quarters.
+# The times that seed the clouds. The hue that each begins with follows from it; these are spread evenly over the
+# circle, in an order in which each four lie in its four quarters.
 SEEDS = (97, 122, 15, 40, 74, 163, 6, 81, 130, 16, 23, 73, 7, 32, 89, 64)
 
 HUE_PLACES = 4

@@ -56,7 +56,7 @@ THRESHOLDS = {
     "chroma": Threshold("mean chroma", 0.04, 0.09),
 }
 
-# Of fewer, what is left of the clouds' own harmonics would be taken for a lattice. It falls with the root of the number.
+# Of fewer, what is left of the clouds' own harmonics would be taken for a lattice. It falls with the number's root.
 FRAMES_FOR_LATTICE = 16
 
 # At the ends of a setting the picture may be dark, pale or empty; it may not be faulty.

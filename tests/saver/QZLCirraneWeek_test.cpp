@@ -124,8 +124,7 @@ TEST_F(QZLCirraneWeek, LeavesThePictureAsSharpBrightAndColoured) {
         const double hue = at.baseHue + to.baseHue - from.baseHue + 1.0;
         return AnimationState{QZLWrap(at.motionAngle + to.motionAngle - from.motionAngle + twoPi, twoPi),
                               QZLWrap(at.wobblePhase + to.wobblePhase - from.wobblePhase + twoPi, twoPi),
-                              QZLWrap(at.fBmAngle + to.fBmAngle - from.fBmAngle + twoPi, twoPi),
-                              hue - std::floor(hue)};
+                              QZLWrap(at.fBmAngle + to.fBmAngle - from.fBmAngle + twoPi, twoPi), hue - std::floor(hue)};
     };
     const Look before = lookAt(start);
     const Look after = lookAt(aWeekLater);

@@ -69,7 +69,7 @@ class Difference:
 
 def difference(expected_path, actual_path):
     """None where the pictures have different sizes."""
-    expected, actual = (np.asarray(Image.open(path).convert("RGB")).astype(int) for path in (expected_path, actual_path))
+    expected, actual = (np.asarray(Image.open(path).convert("RGB"), int) for path in (expected_path, actual_path))
     if expected.shape != actual.shape:
         return None
     distance = np.abs(expected - actual)
