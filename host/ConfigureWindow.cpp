@@ -4,6 +4,7 @@
 #include "platform/StringFormat.hpp"
 #include "platform/ui/Message.hpp"
 
+#include <QtCore/QTimer>
 #include <QtGui/QKeyEvent>
 #include <QtGui/QKeySequence>
 #include <QtGui/QScreen>
@@ -135,7 +136,7 @@ void ConfigureWindow::tellNotKept(const std::filesystem::path& file) {
                        message = platform::formatted(_texts.text("HOST_CONFIGURE_NOT_KEPT_FORMAT"), file.string())] {
         platform::showMessage(message, _sheet != nullptr ? _sheet.data() : this);
     };
-    QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
+    QTimer::singleShot(0, this, tell);
 }
 
 /// The view is made when the preview is first shown.
