@@ -98,6 +98,12 @@ Billow billow(Octave octave, Octave coarser, float softness) {
     return Billow(squared * inverseRoot - 0.25, x * inverseRoot);
 }
 
+// Beyond the octaves: threads of half their finest size, for screens so large that those would look soft. They come in
+// from 12 pixels of the intermediate images to the cell on, which no screen below 2880 x 1620 has at the usual zoom.
+float wispShare(float cellsPerPixel) {
+    return clamp(0.2 / cellsPerPixel - 2.4, 0.0, 1.0);
+}
+
 void main() {
     mat2 transform = mat2(style.octaveTransform.xy, style.octaveTransform.zw);
     vec2 position = texturePosition * cellsPerTextureWidth;
@@ -125,8 +131,6 @@ void main() {
 
     float mass = 0.35 * first.noise.value + 0.25 * weather.value;
     mass += largeShare * large.value + middleShare * middle.value + fineShare * fine.value;
-    float limited = 2.07 * mass - 0.09;
-    float height = 0.5 + 0.5 * softLimit(limited);
 
     // What the mass gains where each octave rises, by the chain rule: from the finest to the broadest, each brought into
     // the plane of the one before it by the transform. The weights' own slopes count little, but for the first.
@@ -134,11 +138,24 @@ void main() {
     float byMiddle = middleShare * middle.rise;
     float byFine = fineShare * fine.rise;
     float byWeight = 0.5 * large.value;
-    vec2 massSlope = byFine * fourth.noise.slope;
+    vec2 massSlope = vec2(0.0);
+    float wisps = wispShare(fourthCellsPerPixel * octaveRatio);
+    if (wisps > 0.0) {
+        Octave fifth = nextOctave(fourth, transform);
+        Billow wisp = billow(fifth, fourth, 0.10);
+        float share = 0.030 * wisps * fineWeight;
+        mass += share * wisp.value;
+        massSlope = share * wisp.rise * (fifth.noise.slope * transform + lean * fourth.noise.slope);
+    }
+    massSlope += byFine * fourth.noise.slope;
     massSlope = massSlope * transform + (byMiddle + lean * byFine) * third.noise.slope;
     massSlope = massSlope * transform + (byLarge + lean * byMiddle) * second.noise.slope;
     massSlope = massSlope * transform + (0.35 + lean * byLarge + byWeight) * first.noise.slope;
     massSlope += weatherCellsPerCell * (0.25 + 0.6 * byWeight) * weather.slope;
+
+    float limited = 2.07 * mass - 0.09;
+    float height = 0.5 + 0.5 * softLimit(limited);
+
     float limitedSlope = inversesqrt(1.0 + limited * limited);
     vec2 heightSlope = 0.5 * 2.07 * limitedSlope * limitedSlope * limitedSlope * massSlope;
 
