@@ -12,6 +12,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -106,21 +107,20 @@ void print(const std::vector<Library>& libraries) {
 int measure(Arguments arguments) {
     const std::string deviceName = bench::chosenDeviceName();
     const bench::BareDevice device(deviceName, bench::BareUseOfWindows::None);
-    for (Library& library : arguments.libraries) {
+    std::vector<Library> libraries = std::move(arguments.libraries);
+    for (Library& library : libraries) {
         library.drawing = std::make_unique<bench::LibraryDrawing>(device, library.file, arguments.size);
     }
-    const auto trial =
-        arguments.libraries.front().drawing->draw(static_cast<std::size_t>(fewestFrames), bench::BarePasses::Both);
+    const auto trial = libraries.front().drawing->draw(static_cast<std::size_t>(fewestFrames), bench::BarePasses::Both);
     const auto frames = static_cast<std::size_t>(std::max(fewestFrames, millisecondsPerTurn / trial.passing));
     for (int round = 0; round < arguments.rounds; ++round) {
-        const std::size_t count = arguments.libraries.size();
-        for (std::size_t turn = 0; turn < count; ++turn) {  // who goes first changes from round to round
-            measureOnce(arguments.libraries[(static_cast<std::size_t>(round) + turn) % count], frames);
+        for (std::size_t turn = 0; turn < libraries.size(); ++turn) {  // who goes first changes from round to round
+            measureOnce(libraries[(static_cast<std::size_t>(round) + turn) % libraries.size()], frames);
         }
     }
     std::printf("Device: %s; %ux%u; %d rounds by turns, %zu frames a turn; medians\n\n", deviceName.c_str(),
                 arguments.size.width, arguments.size.height, arguments.rounds, frames);
-    print(arguments.libraries);
+    print(libraries);
     return 0;
 }
 
