@@ -13,13 +13,25 @@ inline double median(std::vector<double> values) {
     return *middle;
 }
 
-/// The median of the rounds' ratios. Both hold a value for each round.
-inline double medianRatio(const std::vector<double>& values, const std::vector<double>& yardsticks) {
-    std::vector<double> ratios;
+/// The rounds' ratios. Both hold a value for each round.
+inline std::vector<double> ratios(const std::vector<double>& values, const std::vector<double>& yardsticks) {
+    std::vector<double> all;
     for (std::size_t round = 0; round < values.size(); ++round) {
-        ratios.push_back(values[round] / yardsticks[round]);
+        all.push_back(values[round] / yardsticks[round]);
     }
-    return median(std::move(ratios));
+    return all;
+}
+
+inline double medianRatio(const std::vector<double>& values, const std::vector<double>& yardsticks) {
+    return median(ratios(values, yardsticks));
+}
+
+/// The lowest and the highest one.
+inline std::pair<double, double> rangeOfRatios(const std::vector<double>& values,
+                                               const std::vector<double>& yardsticks) {
+    const std::vector<double> all = ratios(values, yardsticks);
+    const auto [lowest, highest] = std::minmax_element(all.begin(), all.end());
+    return {*lowest, *highest};
 }
 
 }  // namespace bench
