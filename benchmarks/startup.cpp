@@ -3,6 +3,8 @@
 // A program of its own, because a process's peak counts the one that it was started from.
 // Usage: startup_benchmark FRAME_LOOP_BENCHMARK CIRRANE DEVICE [RUNS]
 
+#include "benchmarks/Statistics.hpp"
+
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/resource.h>
@@ -67,11 +69,6 @@ struct Row {
     std::vector<double> megabytes;
 };
 
-double median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
 bool measure(const std::string& size, std::vector<Row> rows, int runs, char** environment) {
     for (int round = 0; round <= runs; ++round) {  // the first one warms the caches
         for (Row& row : rows) {
@@ -86,12 +83,12 @@ bool measure(const std::string& size, std::vector<Row> rows, int runs, char** en
             }
         }
     }
-    const double bareTime = median(rows.front().milliseconds);
-    const double bareMemory = median(rows.front().megabytes);
+    const double bareTime = bench::median(rows.front().milliseconds);
+    const double bareMemory = bench::median(rows.front().megabytes);
     for (const Row& row : rows) {
         std::printf("| %s, %s | %.0f | %.2f | %.0f | %.2f |\n", size.c_str(), row.name.c_str(),
-                    median(row.milliseconds), median(row.milliseconds) / bareTime, median(row.megabytes),
-                    median(row.megabytes) / bareMemory);
+                    bench::median(row.milliseconds), bench::median(row.milliseconds) / bareTime,
+                    bench::median(row.megabytes), bench::median(row.megabytes) / bareMemory);
     }
     return true;
 }

@@ -58,6 +58,11 @@ ConfigureWindow::ConfigureWindow(const Showing& showing, const HostTexts& texts,
     makeButtons();
     layOut(hosts);
     _test.setEndHandler([this](const std::optional<std::string>& failure) { endFullscreenTest(failure); });
+    _telling.setSingleShot(true);
+    connect(&_telling, &QTimer::timeout, this, [this] {
+        const std::string text = platform::formatted(_texts.text("HOST_CONFIGURE_NOT_KEPT_FORMAT"), _notKept.string());
+        platform::showMessage(text, _sheet != nullptr ? _sheet.data() : this);
+    });
     auto* const escape = new QShortcut(QKeySequence::Cancel, this);
     escape->setAutoRepeat(false);  // the key may be the one that has just closed the options
     connect(escape, &QShortcut::activated, this, [this] { close(); });
@@ -131,11 +136,8 @@ void ConfigureWindow::present() {
 }
 
 void ConfigureWindow::tellNotKept(const std::filesystem::path& file) {
-    const auto tell = [this,
-                       message = platform::formatted(_texts.text("HOST_CONFIGURE_NOT_KEPT_FORMAT"), file.string())] {
-        platform::showMessage(message, _sheet != nullptr ? _sheet.data() : this);
-    };
-    QMetaObject::invokeMethod(this, tell, Qt::QueuedConnection);
+    _notKept = file;
+    _telling.start();
 }
 
 /// The view is made when the preview is first shown.

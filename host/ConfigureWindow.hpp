@@ -6,6 +6,7 @@
 #include "host/SaverWindows.hpp"
 
 #include <QtCore/QPointer>
+#include <QtCore/QTimer>
 #include <QtWidgets/QLabel>
 #include <QtWidgets/QPushButton>
 #include <QtWidgets/QWidget>
@@ -57,6 +58,8 @@ private:
     QLabel* _failure = new QLabel(this);
     QPointer<QWidget> _sheet;  // the view's own, while it is open
     FullscreenTest _test;
+    std::filesystem::path _notKept;  // the file that could not be written last
+    QTimer _telling;
 };
 
 }  // namespace host

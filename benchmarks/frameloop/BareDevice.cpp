@@ -111,6 +111,14 @@ BareBuffer BareDevice::makeBuffer(std::size_t length, vk::BufferUsageFlags usage
     return made;
 }
 
+BareBuffer BareDevice::makeDeviceBuffer(std::size_t length, vk::BufferUsageFlags usage) const {
+    BareBuffer made;
+    made.buffer = vk::raii::Buffer(_device, vk::BufferCreateInfo{.size = length, .usage = usage});
+    made.memory = allocate(made.buffer.getMemoryRequirements(), vk::MemoryPropertyFlagBits::eDeviceLocal);
+    made.buffer.bindMemory(*made.memory, 0);
+    return made;
+}
+
 void BareDevice::runAndWait(const std::function<void(const vk::raii::CommandBuffer&)>& record) const {
     const vk::raii::CommandPool pool(_device, vk::CommandPoolCreateInfo{.queueFamilyIndex = _queueFamily});
     const vk::raii::CommandBuffers buffers(

@@ -15,7 +15,7 @@ struct BareImage {
     vk::raii::ImageView view = nullptr;
 };
 
-/// Memory that the CPU writes and reads in place.
+/// `contents` is memory that the CPU writes and reads in place, where there is any.
 struct BareBuffer {
     vk::raii::DeviceMemory memory = nullptr;
     vk::raii::Buffer buffer = nullptr;
@@ -39,6 +39,8 @@ public:
     BareImage makeImage(vk::Format format, Size size, vk::ImageUsageFlags usage) const;
     vk::raii::ImageView makeView(vk::Image image, vk::Format format) const;
     BareBuffer makeBuffer(std::size_t length, vk::BufferUsageFlags usage) const;
+    /// In the device's own memory.
+    BareBuffer makeDeviceBuffer(std::size_t length, vk::BufferUsageFlags usage) const;
     void runAndWait(const std::function<void(const vk::raii::CommandBuffer&)>& record) const;
 
 private:

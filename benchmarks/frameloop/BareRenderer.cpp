@@ -142,16 +142,40 @@ void BareRenderer::writeSets(Slot& slot) {
     write(slot.lightSets, slot.lightStyle, slot.color, slot.height);
 }
 
-void BareRenderer::draw(const SkyFrame& frame, const BarePicture& picture) {
+void BareRenderer::draw(const SkyFrame& frame, const BarePicture& picture, BarePasses passes) {
     Slot& slot = _slots[_submitted % slots];
     std::memcpy(slot.colorStyle.contents, frame.colorStyle.data(), sizeof(frame.colorStyle));
     std::memcpy(slot.lightStyle.contents, frame.lightStyle.data(), sizeof(frame.lightStyle));
     slot.pool.reset();
     slot.commands.begin({.flags = vk::CommandBufferUsageFlagBits::eOneTimeSubmit});
-    recordColorPass(slot, frame);
-    recordLightPass(slot, picture);
+    if (_timer != nullptr) {
+        _timer->reset(slot.commands, firstMark(_submitted), marksPerFrame);
+    }
+    mark(slot, 0);
+    if (passes != BarePasses::Light) {
+        recordColorPass(slot, frame);
+    }
+    mark(slot, 1);
+    const auto colorDrawn = barrier(*slot.color.image, colorTarget, sampledByFragments);
+    const auto heightDrawn = barrier(*slot.height.image, colorTarget, sampledByFragments);
+    const auto pictureTaken = barrier(picture.image, nothing, colorTarget);
+    switch (passes) {
+        case BarePasses::Both: recordBarriers(slot.commands, std::array{colorDrawn, heightDrawn, pictureTaken}); break;
+        case BarePasses::Color: recordBarriers(slot.commands, std::array{colorDrawn, heightDrawn}); break;
+        case BarePasses::Light: recordBarriers(slot.commands, std::array{pictureTaken}); break;
+    }
+    if (passes != BarePasses::Color) {
+        recordLightPass(slot, picture);
+    }
+    mark(slot, 2);
     slot.commands.end();
     submit(slot, picture);
+}
+
+void BareRenderer::mark(const Slot& slot, std::uint32_t mark) const {
+    if (_timer != nullptr) {
+        _timer->mark(slot.commands, firstMark(_submitted) + mark);
+    }
 }
 
 void BareRenderer::recordColorPass(const Slot& slot, const SkyFrame& frame) {
@@ -168,9 +192,6 @@ void BareRenderer::recordColorPass(const Slot& slot, const SkyFrame& frame) {
 
 void BareRenderer::recordLightPass(const Slot& slot, const BarePicture& picture) {
     const vk::raii::CommandBuffer& commands = slot.commands;
-    recordBarriers(commands, std::array{barrier(*slot.color.image, colorTarget, sampledByFragments),
-                                        barrier(*slot.height.image, colorTarget, sampledByFragments),
-                                        barrier(picture.image, nothing, colorTarget)});
     const auto u = 1.0F - 1.0F / static_cast<float>(_intermediate.width);
     const auto v = 1.0F - 1.0F / static_cast<float>(_intermediate.height);
     const std::array<float, 16> quad{-1, -1, 0, v, 1, -1, u, v, -1, 1, 0, 0, 1, 1, u, 0};

@@ -2,6 +2,7 @@
 
 #include "benchmarks/frameloop/BarePipelines.hpp"
 #include "benchmarks/frameloop/BareSky.hpp"
+#include "benchmarks/frameloop/BareTimer.hpp"
 #include "benchmarks/frameloop/Loop.hpp"
 
 #include <array>
@@ -13,10 +14,13 @@ namespace bench {
 struct BarePicture {
     vk::Image image;
     vk::ImageView view;
-    BareUse next;         ///< what it is left ready for
-    vk::Semaphore given;  ///< drawing waits for it, if there is one
-    vk::Semaphore drawn;  ///< told of the end, if there is one
+    BareUse next;           ///< what it is left ready for
+    vk::Semaphore given{};  ///< drawing waits for it, if there is one
+    vk::Semaphore drawn{};  ///< told of the end, if there is one
 };
+
+/// What is drawn of a frame. The light pass alone shades what the slot's last colour pass has left.
+enum class BarePasses { Both, Color, Light };
 
 /// What somebody would write by hand who needs these two passes and nothing else: one thread, three frames in flight,
 /// descriptor sets written once, the fewest barriers. The device must outlive it.
@@ -31,7 +35,15 @@ public:
         return {static_cast<double>(_intermediate.width), static_cast<double>(_intermediate.height)};
     }
     /// Draws in the next slot, whose last frame must have completed.
-    void draw(const SkyFrame& frame, const BarePicture& picture);
+    void draw(const SkyFrame& frame, const BarePicture& picture, BarePasses passes = BarePasses::Both);
+    /// From now on marks the times before, between and after the passes; the timer needs `marksPerFrame` for each slot.
+    void setTimer(const BareTimer* timer) { _timer = timer; }
+    static constexpr std::uint32_t marksPerFrame = 3;
+    /// The first mark of a frame, counted from 0.
+    static std::uint32_t firstMark(std::uint64_t frame) {
+        return static_cast<std::uint32_t>(frame % slots) * marksPerFrame;
+    }
+    Size intermediate() const { return _intermediate; }
     /// How many frames have been submitted, and the wait until so many have completed.
     std::uint64_t submitted() const { return _submitted; }
     void waitFor(std::uint64_t frames) const;
@@ -53,6 +65,7 @@ private:
     void writeSets(Slot& slot);
     void recordColorPass(const Slot& slot, const SkyFrame& frame);
     void recordLightPass(const Slot& slot, const BarePicture& picture);
+    void mark(const Slot& slot, std::uint32_t mark) const;
     void submit(const Slot& slot, const BarePicture& picture);
 
     Size _size;
@@ -62,6 +75,7 @@ private:
     vk::raii::DescriptorPool _descriptorPool;
     vk::raii::Semaphore _timeline;
     std::uint64_t _submitted = 0;
+    const BareTimer* _timer = nullptr;
     BareImage _noise;
     std::array<Slot, slots> _slots;
 };

@@ -7,9 +7,11 @@
 //        frame_loop_benchmark --loop bare WIDTHxHEIGHT FRAMES DEVICE
 //        frame_loop_benchmark --window bare WIDTHxHEIGHT DEVICE             the bare loop in an X11 window, until
 //        killed
+#include "benchmarks/Statistics.hpp"
 #include "benchmarks/frameloop/Allocations.hpp"
 #include "benchmarks/frameloop/BareLoop.hpp"
 #include "benchmarks/frameloop/BareWindow.hpp"
+#include "benchmarks/frameloop/ChosenDevice.hpp"
 #include "benchmarks/frameloop/FrameworkLoop.hpp"
 #include "host/ModuleLoader.hpp"
 #include "platform/Clock.hpp"
@@ -48,15 +50,9 @@ public:
     double secondsSinceReferenceDate() const override { return platform::systemClock().secondsSinceReferenceDate(); }
 };
 
-double median(std::vector<double> values) {
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
-
 /// The frame times after the warm-up.
 double medianCpu(const bench::Run& run) {
-    return median({run.cpuMicroseconds.begin() + warmUp, run.cpuMicroseconds.end()});
+    return bench::median({run.cpuMicroseconds.begin() + warmUp, run.cpuMicroseconds.end()});
 }
 
 fs::path bundleDirectory() {
@@ -141,11 +137,12 @@ void compare(bench::Loop& framework, bench::Loop& bare, bench::Size size, int ro
         cpuRatio.push_back(medianCpu(oursPaced) / medianCpu(theirsPaced));
     }
     std::printf("| %ux%u, frames a second | %.1f | %.1f | %.3f | at least 0.97 |\n", size.width, size.height,
-                median(frameworkRate), median(bareRate), median(rateRatio));
+                bench::median(frameworkRate), bench::median(bareRate), bench::median(rateRatio));
     std::printf("| %ux%u, milliseconds a frame | %.2f | %.2f | %.3f | |\n", size.width, size.height,
-                1000.0 / median(frameworkRate), 1000.0 / median(bareRate), 1.0 / median(rateRatio));
+                1000.0 / bench::median(frameworkRate), 1000.0 / bench::median(bareRate),
+                1.0 / bench::median(rateRatio));
     std::printf("| %ux%u, CPU of the drawing thread, us a frame | %.1f | %.1f | %.3f | at most 1.15 |\n", size.width,
-                size.height, median(frameworkCpu), median(bareCpu), median(cpuRatio));
+                size.height, bench::median(frameworkCpu), bench::median(bareCpu), bench::median(cpuRatio));
     std::printf("| %ux%u, largest difference of the pictures, of 255 | | | %d | |\n", size.width, size.height,
                 largestDifference);
     std::fflush(stdout);
@@ -207,8 +204,7 @@ int run(const std::vector<std::string>& arguments) {
         return measure(std::stoi(arguments[1]));
     }
     if (arguments.size() == 1 && arguments[0] == "--device") {
-        gpu::setBackend(gpu::vulkan::makeVulkanBackend({}));
-        std::puts(requireDevice()->name().c_str());
+        std::puts(bench::chosenDeviceName().c_str());
         return 0;
     }
     bench::Size size;

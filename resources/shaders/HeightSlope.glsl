@@ -1,35 +1,20 @@
-// A smooth slope of the height image from two gathers, which hold seven of the 3 x 3 texels around the sampled one.
+// Height and slope of the height image between four texels, from one gather.
 // The including shader declares `heightTexture` and `clampingSampler`.
-//
-//     a b .        The slope is that of a quadratic B-spline: linear across the centre texel c, from the difference
-//     d c e        on its near side to that on its far side. How it twists between the rows and columns is known
-//     . f g        towards a and g only, and fades in towards those two corners.
 
 struct HeightSlope {
-    float height;  // of the centre texel
-    vec2 slope;    // per texel, y down
+    float height;
+    vec2 slope;  // per texel, y down
 };
 
 HeightSlope heightSlopeAt(vec2 position, vec2 texel) {
-    vec2 texelIndex = floor(position / texel);
-    vec2 toFar = position / texel - texelIndex;  // 0 to 1 across the centre texel
-    vec2 toNear = 1.0 - toFar;
+    vec2 meetingPoint = floor(position / texel + 0.5);
+    vec2 toFar = position / texel + 0.5 - meetingPoint;  // 0 to 1 from the near texels' centres to the far ones'
 
     // A gather yields the texels (0, 1), (1, 1), (1, 0), (0, 0) of the four around a corner.
-    vec4 near = textureGather(sampler2D(heightTexture, clampingSampler), texelIndex * texel);         // d c b a
-    vec4 far = textureGather(sampler2D(heightTexture, clampingSampler), (texelIndex + 1.0) * texel);  // f g e c
-    float a = near.w, b = near.z, c = near.y, d = near.x;
-    float e = far.z, f = far.x, g = far.y;
-
-    vec2 nearDifference = vec2(c - d, c - b);
-    vec2 farDifference = vec2(e - c, f - c);
-    vec2 straight = mix(nearDifference, farDifference, toFar);
-
-    // How the x difference grows with y, and the y difference with x: the same number, known on either side.
-    float nearTwist = (b - a) - (c - d);
-    float farTwist = (g - f) - (e - c);
-    vec2 nearShare = 0.5 * toNear.yx * toNear.yx * toNear;
-    vec2 farShare = 0.5 * toFar.yx * toFar.yx * toFar;
-
-    return HeightSlope(c, straight + nearShare * nearTwist + farShare * farTwist);
+    vec4 heights = textureGather(sampler2D(heightTexture, clampingSampler), meetingPoint * texel);
+    vec2 upper = heights.wz;
+    vec2 lower = heights.xy;
+    vec2 column = mix(upper, lower, toFar.y);
+    vec2 row = mix(vec2(upper.x, lower.x), vec2(upper.y, lower.y), toFar.x);
+    return HeightSlope(mix(column.x, column.y, toFar.x), vec2(column.y - column.x, row.y - row.x));
 }

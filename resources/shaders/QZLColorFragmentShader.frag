@@ -9,6 +9,8 @@
 // through zero, there is haze.
 
 layout(location = 0) in vec2 texturePosition;  // on the noise plane, in noise-texture widths
+layout(location = 1) flat in float regionHeight;  // in noise-texture widths
+layout(location = 2) flat in float fineness;      // a factor for fine detail
 layout(location = 0) out vec4 outColor;        // display-coded
 layout(location = 1) out float outHeight;      // 0 to 1
 
@@ -87,18 +89,26 @@ struct Billow {
 };
 
 // The noise leans on the coarser octave's, so that creases follow its forms.
+const float lean = 0.3;
+
 Billow billow(Octave octave, Octave coarser, float softness) {
-    float x = octave.noise.value + 0.3 * coarser.noise.value;
+    float x = octave.noise.value + lean * coarser.noise.value;
     float squared = x * x + softness;
     float inverseRoot = inversesqrt(squared);
     return Billow(squared * inverseRoot - 0.25, x * inverseRoot);
 }
 
+// Beyond the octaves: threads of half their finest size, for screens so large that those would look soft. They come in
+// from 12 pixels of the intermediate images to the cell on, which no screen below 2880 x 1620 has at the usual zoom.
+float wispShare(float cellsPerPixel) {
+    return clamp(0.2 / cellsPerPixel - 2.4, 0.0, 1.0);
+}
+
 void main() {
     mat2 transform = mat2(style.octaveTransform.xy, style.octaveTransform.zw);
     vec2 position = texturePosition * cellsPerTextureWidth;
-    float cellsPerPixel = abs(dFdy(texturePosition.y)) * cellsPerTextureWidth;
-    float thirdCellsPerPixel = cellsPerPixel * octaveRatio * octaveRatio;
+    float cellsInHeight = cellsPerTextureWidth * regionHeight;
+    float thirdCellsPerPixel = abs(dFdy(texturePosition.y)) * cellsPerTextureWidth * octaveRatio * octaveRatio;
     float fourthCellsPerPixel = thirdCellsPerPixel * octaveRatio;
 
     Noise weather = weatherAt(position);
@@ -107,32 +117,59 @@ void main() {
     Octave third = nextOctave(second, transform);
     Octave fourth = nextOctave(third, transform);
 
-    float mass = 0.35 * first.noise.value + 0.25 * weather.value;
-    vec2 slope = first.noise.slope;  // of the broad forms only, for the glow
-
-    // The signed weight of detail, from the mass.
+    // The signed weight of detail, from the broad mass.
     float weight = clamp(0.27 + 1.75 * (first.noise.value + 0.6 * weather.value), -1.0, 1.3);
-
     Billow large = billow(second, first, 0.015);
-    mass += 0.29 * weight * large.value;
-    slope += 0.35 * weight * large.rise * (second.noise.slope * transform);
+    Billow middle = billow(third, second, 0.035);
+    Billow fine = billow(fourth, third, 0.045);
 
     // Finer detail gathers on the large billows and leaves their creases clear.
-    weight *= clamp(0.5 + 1.2 * (large.value + 0.15), 0.3, 1.4);
+    float fineWeight = weight * fineness * clamp(0.5 + 1.2 * (large.value + 0.15), 0.3, 1.4);
+    float largeShare = 0.29 * (0.5 + 0.5 * fineness) * weight;
+    float middleShare = 0.15 * isWanted(3.0) * visibleShare(thirdCellsPerPixel) * fineWeight;
+    float fineShare = 0.08 * isWanted(4.0) * visibleShare(fourthCellsPerPixel) * fineWeight;
 
-    Billow middle = billow(third, second, 0.035);
-    mass += 0.15 * isWanted(3.0) * visibleShare(thirdCellsPerPixel) * weight * middle.value;
+    float mass = 0.35 * first.noise.value + 0.25 * weather.value;
+    mass += largeShare * large.value + middleShare * middle.value + fineShare * fine.value;
 
-    Billow fine = billow(fourth, third, 0.045);
-    mass += 0.08 * isWanted(4.0) * visibleShare(fourthCellsPerPixel) * weight * fine.value;
+    // What the mass gains where each octave rises, by the chain rule: from the finest to the broadest, each brought into
+    // the plane of the one before it by the transform. The weights' own slopes count little, but for the first.
+    float byLarge = largeShare * large.rise;
+    float byMiddle = middleShare * middle.rise;
+    float byFine = fineShare * fine.rise;
+    float byWeight = 0.5 * large.value;
+    vec2 massSlope = vec2(0.0);
+    float wisps = wispShare(fourthCellsPerPixel * octaveRatio);
+    if (wisps > 0.0) {
+        Octave fifth = nextOctave(fourth, transform);
+        Billow wisp = billow(fifth, fourth, 0.10);
+        float share = 0.030 * wisps * fineWeight;
+        mass += share * wisp.value;
+        massSlope = share * wisp.rise * (fifth.noise.slope * transform + lean * fourth.noise.slope);
+    }
+    massSlope += byFine * fourth.noise.slope;
+    massSlope = massSlope * transform + (byMiddle + lean * byFine) * third.noise.slope;
+    massSlope = massSlope * transform + (byLarge + lean * byMiddle) * second.noise.slope;
+    massSlope = massSlope * transform + (0.35 + lean * byLarge + byWeight) * first.noise.slope;
+    massSlope += weatherCellsPerCell * (0.25 + 0.6 * byWeight) * weather.slope;
 
-    float height = 0.5 + 0.5 * softLimit(2.07 * mass - 0.09);
-    float glow = softLimit(0.4 * dot(slope, lightFallsUp));
+    float limited = 2.07 * mass - 0.09;
+    float height = 0.5 + 0.5 * softLimit(limited);
+
+    float limitedSlope = inversesqrt(1.0 + limited * limited);
+    vec2 heightSlope = 0.5 * 2.07 * limitedSlope * limitedSlope * limitedSlope * massSlope;
+
+    // The glow is the light on the broad forms alone.
+    vec2 broadSlope = first.noise.slope + 0.35 * weight * large.rise * (second.noise.slope * transform);
+    float glow = softLimit(0.4 * dot(broadSlope, lightFallsUp));
     float fan = weather.value + 0.22 * weather.slope.x;
 
     vec3 color = cloudColor(CloudPoint(height, glow, weather.value, fan), style.hueOffset, style.saturation);
     float lit = smoothstep(0.05, 0.75, height + 0.10 * glow);
     color *= style.fullColor + style.darkening * lit;
+
+    float slope = dot(heightSlope, lightFallsUp) * cellsInHeight / unitRise;
+    color = litColor(color, lightInColorPass * reliefLight(slope, height));
 
     outColor = vec4(color, 1.0);
     outHeight = height;
