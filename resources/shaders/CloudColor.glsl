@@ -10,8 +10,6 @@ const vec2 violetBlue = vec2(0.20, -0.98);
 const vec2 gold = vec2(0.40, 0.92);
 const vec2 warmth = vec2(0.35, 0.94);  // orange to yellow, where a hue of the same lightness looks darker
 
-const float turn = 6.2831853;  // radians
-
 // The hue of moss and mustard, the least lovely one for clouds: 113 degrees.
 const vec2 moss = vec2(-0.3979, 0.9174);
 
@@ -27,53 +25,47 @@ float softSaturation(float saturation) {
     return saturation / (1.0 + 0.16 * saturation);
 }
 
-// The product and the quotient of two complex numbers.
-vec2 complexProduct(vec2 a, vec2 b) {
-    return vec2(a.x * b.x - a.y * b.y, a.x * b.y + a.y * b.x);
+// The direction of a hue in turns: cosine and sine as parabolas, brought to length 1; at most 2.6 degrees
+// beside the hue.
+vec2 hueDirection(float turns) {
+    float v = 2.0 * fract(turns + 0.5) - 1.0;
+    float x = 0.5 - abs(v);
+    return normalize(vec2(x - x * abs(x), v - v * abs(v)));
 }
 
-vec2 complexQuotient(vec2 a, vec2 b) {
-    return vec2(dot(a, b), a.y * b.x - a.x * b.y) / dot(b, b);
+// Takes a share of what a vector of hue has of moss out of it: what stays is further from moss, and paler.
+vec2 withoutMoss(vec2 ab, float share) {
+    return ab - share * max(dot(ab, moss), 0.0) * moss;
 }
 
-// Turns a direction away from moss, the more the greater `pull` is, from 0 to less than 1. On the circle of hues this is
-// a Moebius map: where the hue drifts past moss it goes (1 + pull) / (1 - pull) times as fast, opposite as much slower.
-vec2 awayFromMoss(vec2 hue, float pull) {
-    vec2 fromMoss = complexQuotient(hue, moss);
-    vec2 turned = complexQuotient(fromMoss - vec2(pull, 0.0), vec2(1.0, 0.0) - pull * fromMoss);
-    return complexProduct(turned, moss);
-}
-
-// How near a hue is to moss, from 0 to 1.
-float mossiness(vec2 hue) {
-    float along = max(dot(hue, moss), 0.0);
-    return along * along;
+// The smooth step from 0 to 1 over `from` to `from + 1 / rate`, without a division.
+float rise(float x, float from, float rate) {
+    float t = clamp((x - from) * rate, 0.0, 1.0);
+    return t * t * (3.0 - 2.0 * t);
 }
 
 // `baseHue` in turns, `saturation` a factor.
 vec3 cloudColor(CloudPoint point, float baseHue, float saturation) {
-    float angle = turn * baseHue;
-    vec2 hue = awayFromMoss(vec2(cos(angle), sin(angle)), 0.5);
+    // The hue drifts evenly; more than twice as fast past moss.
+    vec2 hue = normalize(withoutMoss(hueDirection(baseHue), 0.55));
     vec2 besideHue = vec2(-hue.y, hue.x);
 
-    float outOfShadow = smoothstep(0.0, 0.55, point.height);
-    float intoLight = smoothstep(0.40, 0.95, point.height + 0.16 * point.glow);
+    float outOfShadow = rise(point.height, 0.0, 1.82);
+    float intoLight = rise(point.height + 0.16 * point.glow, 0.40, 1.82);
 
-    // Near moss the hues fan less, and lie the further from it the deeper a place is: what stands between violet shadow
-    // and pale gold is rose then, or teal, and not the grey that is a mix of the two.
-    float fan = fanChroma * point.fan * (1.0 - 0.45 * mossiness(hue));
+    // Near moss the hues fan less.
+    float fan = fanChroma * point.fan * (1.0 - 0.45 * max(dot(hue, moss), 0.0));
     vec2 leaning = bodyChroma * hue + fan * besideHue;
-    float chroma = length(leaning);
-    vec2 bodyHue = awayFromMoss(leaning / chroma, mossiness(hue) * (0.60 - 0.45 * point.height));
+    float warm = clamp(dot(leaning, warmth) / bodyChroma, -1.0, 1.0);
+    float mossy = clamp(dot(leaning, moss) / bodyChroma, 0.0, 1.0);
 
-    // What is still near moss is pale and light.
-    float mossy = mossiness(bodyHue);
-    float warm = dot(bodyHue, warmth);
-    vec2 body = chroma * (1.0 + 0.40 * max(warm, 0.0)) * (1.0 - 0.45 * mossy) * bodyHue;
+    // The deeper a place, the less moss it has: what stands between violet shadow and pale gold is rose then, or teal, and
+    // not the grey that is a mix of the two.
+    vec2 body = (1.0 + 0.40 * max(warm, 0.0)) * withoutMoss(leaning, 0.80 - 0.40 * point.height);
 
     // Shadows keep a fixed violet-blue depth under any hue; lights lean to the opposite hue and a little to gold.
-    vec2 shadow = 0.022 * bodyHue + shadowChroma * violetBlue;
-    vec2 light = -0.018 * bodyHue - 0.40 * fan * besideHue + 0.012 * gold;
+    vec2 shadow = 0.022 * hue + shadowChroma * violetBlue;
+    vec2 light = -0.018 * hue - 0.40 * fan * besideHue + 0.012 * gold;
     vec2 ab = mix(mix(shadow, body, outOfShadow), light, intoLight);
 
     float lightness = 0.34;

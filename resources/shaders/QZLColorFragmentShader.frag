@@ -138,16 +138,7 @@ void main() {
     float byMiddle = middleShare * middle.rise;
     float byFine = fineShare * fine.rise;
     float byWeight = 0.5 * large.value;
-    vec2 massSlope = vec2(0.0);
-    float wisps = wispShare(fourthCellsPerPixel * octaveRatio);
-    if (wisps > 0.0) {
-        Octave fifth = nextOctave(fourth, transform);
-        Billow wisp = billow(fifth, fourth, 0.10);
-        float share = 0.030 * wisps * fineWeight;
-        mass += share * wisp.value;
-        massSlope = share * wisp.rise * (fifth.noise.slope * transform + lean * fourth.noise.slope);
-    }
-    massSlope += byFine * fourth.noise.slope;
+    vec2 massSlope = byFine * fourth.noise.slope;
     massSlope = massSlope * transform + (byMiddle + lean * byFine) * third.noise.slope;
     massSlope = massSlope * transform + (byLarge + lean * byMiddle) * second.noise.slope;
     massSlope = massSlope * transform + (0.35 + lean * byLarge + byWeight) * first.noise.slope;
@@ -165,7 +156,7 @@ void main() {
     float fan = weather.value + 0.22 * weather.slope.x;
 
     vec3 color = cloudColor(CloudPoint(height, glow, weather.value, fan), style.hueOffset, style.saturation);
-    float lit = smoothstep(0.05, 0.75, height + 0.10 * glow);
+    float lit = rise(height + 0.10 * glow, 0.05, 1.43);
     color *= style.fullColor + style.darkening * lit;
 
     float slope = dot(heightSlope, lightFallsUp) * cellsInHeight / unitRise;

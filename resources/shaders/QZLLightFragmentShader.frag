@@ -35,7 +35,7 @@ vec2 insideBorder(vec2 position) {
 void main() {
     vec2 position = insideBorder(texturePosition);
     vec3 color = texture(sampler2D(colorTexture, clampingSampler), position).rgb;
-    HeightSlope surface = heightSlopeAt(position, style.texel);
+    HeightSlope surface = heightSlopeAt(position);
     float slope = dot(surface.slope, lightFallsDown) / style.relief * (reliefPerTexel / unitRise);
     float light = lightInLightPass * reliefLight(slope, surface.height);
     outColor = vec4(litColor(color, light) * style.fade + ditherOf8Bits(gl_FragCoord.xy), 1.0);

@@ -1,6 +1,6 @@
 // How the clouds catch the light, which stands at the upper left of the screen. Both passes light the same relief: the
-// colour pass with the slopes that it knows exactly, for every texel of the intermediate images; the light pass with those
-// between the texels, which keeps edges crisp where a texel covers several pixels.
+// colour pass with the slopes that it knows without looking at its neighbours, which costs next to nothing; the light pass
+// with those of the height image as it is.
 
 // Unit vector along which the light falls over the picture, y down as in the intermediate images.
 const vec2 lightFallsDown = vec2(0.6, 0.8);
@@ -22,8 +22,8 @@ float softLimit(float x) {
 
 // Gentle slopes are lifted, steep ones held; heights catch more light than depths.
 float reliefLight(float slope, float height) {
-    float companded = slope * inversesqrt(0.5 + abs(slope) + 0.3 * slope * slope);
-    return 0.75 * companded * (0.3 + 1.2 * height);
+    float companded = slope / (0.94 + 0.77 * abs(slope));
+    return companded * (0.3 + 1.2 * height);
 }
 
 // Blends softly: what is nearly black or white already changes least, so that hardly anything clips.
