@@ -98,12 +98,6 @@ Billow billow(Octave octave, Octave coarser, float softness) {
     return Billow(squared * inverseRoot - 0.25, x * inverseRoot);
 }
 
-// Beyond the octaves: threads of half their finest size, for screens so large that those would look soft. They come in
-// from 12 pixels of the intermediate images to the cell on, which no screen below 2880 x 1620 has at the usual zoom.
-float wispShare(float cellsPerPixel) {
-    return clamp(0.2 / cellsPerPixel - 2.4, 0.0, 1.0);
-}
-
 void main() {
     mat2 transform = mat2(style.octaveTransform.xy, style.octaveTransform.zw);
     vec2 position = texturePosition * cellsPerTextureWidth;
