@@ -8,9 +8,9 @@
 namespace bench {
 namespace {
 
-vk::raii::Sampler makeSampler(const BareDevice& device, vk::SamplerAddressMode mode) {
-    return {device.handle(), vk::SamplerCreateInfo{.magFilter = vk::Filter::eLinear,
-                                                   .minFilter = vk::Filter::eLinear,
+vk::raii::Sampler makeSampler(const BareDevice& device, vk::Filter filter, vk::SamplerAddressMode mode) {
+    return {device.handle(), vk::SamplerCreateInfo{.magFilter = filter,
+                                                   .minFilter = filter,
                                                    .addressModeU = mode,
                                                    .addressModeV = mode,
                                                    .addressModeW = mode}};
@@ -23,7 +23,7 @@ vk::raii::DescriptorSetLayout makeSetLayout(const BareDevice& device, vk::Descri
         described.push_back({.binding = static_cast<std::uint32_t>(described.size()),
                              .descriptorType = type,
                              .descriptorCount = 1,
-                             .stageFlags = vk::ShaderStageFlagBits::eFragment,
+                             .stageFlags = vk::ShaderStageFlagBits::eVertex | vk::ShaderStageFlagBits::eFragment,
                              .pImmutableSamplers = sampler});
     }
     return {device.handle(),
@@ -32,11 +32,11 @@ vk::raii::DescriptorSetLayout makeSetLayout(const BareDevice& device, vk::Descri
 }
 
 std::vector<vk::raii::DescriptorSetLayout> makeSetLayouts(const BareDevice& device, vk::Sampler repeating,
-                                                          vk::Sampler clamping) {
+                                                          vk::Sampler clamping, vk::Sampler nearest) {
     std::vector<vk::raii::DescriptorSetLayout> layouts;
     layouts.push_back(makeSetLayout(device, vk::DescriptorType::eUniformBuffer, {nullptr}));
     layouts.push_back(makeSetLayout(device, vk::DescriptorType::eSampledImage, {nullptr, nullptr}));
-    layouts.push_back(makeSetLayout(device, vk::DescriptorType::eSampler, {&repeating, &clamping}));
+    layouts.push_back(makeSetLayout(device, vk::DescriptorType::eSampler, {&repeating, &clamping, &nearest}));
     return layouts;
 }
 
@@ -101,9 +101,10 @@ vk::raii::Pipeline makePipeline(const BareDevice& device, const BarePipelines& p
 }  // namespace
 
 BarePipelines::BarePipelines(const BareDevice& device, const std::filesystem::path& shaderLibrary)
-    : _repeating(makeSampler(device, vk::SamplerAddressMode::eRepeat)),
-      _clamping(makeSampler(device, vk::SamplerAddressMode::eClampToEdge)),
-      _setLayouts(makeSetLayouts(device, *_repeating, *_clamping)),
+    : _repeating(makeSampler(device, vk::Filter::eLinear, vk::SamplerAddressMode::eRepeat)),
+      _clamping(makeSampler(device, vk::Filter::eLinear, vk::SamplerAddressMode::eClampToEdge)),
+      _nearest(makeSampler(device, vk::Filter::eNearest, vk::SamplerAddressMode::eClampToEdge)),
+      _setLayouts(makeSetLayouts(device, *_repeating, *_clamping, *_nearest)),
       _layout(makeLayout(device, _setLayouts)),
       _module(makeModule(device, shaderLibrary)),
       _colorPass(makePipeline(device, *this, *_module, "QZLColorVertexShader", "QZLColorFragmentShader",

@@ -8,7 +8,7 @@
 namespace bench {
 
 /// The shader library's two passes as pipelines of one layout: set 0 one uniform buffer, set 1 two textures, set 2 the
-/// repeating and the clamping sampler, the quad as push constants.
+/// repeating, the clamping and the nearest sampler, the quad as push constants.
 class BarePipelines {
 public:
     BarePipelines(const BareDevice& device, const std::filesystem::path& shaderLibrary);
@@ -26,6 +26,7 @@ public:
 private:
     vk::raii::Sampler _repeating;
     vk::raii::Sampler _clamping;
+    vk::raii::Sampler _nearest;
     std::vector<vk::raii::DescriptorSetLayout> _setLayouts;
     vk::raii::PipelineLayout _layout;
     vk::raii::ShaderModule _module;

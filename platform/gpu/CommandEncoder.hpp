@@ -48,7 +48,8 @@ private:
 };
 
 /// One render pass. Binding layout: vertex bytes (at most 128) become push constants; fragment buffer n is binding n of
-/// set 0, fragment texture n binding n of set 1; set 2 holds a repeating and a clamping linear sampler.
+/// set 0, fragment texture n binding n of set 1; set 2 holds a repeating linear, a clamping linear and a clamping
+/// nearest sampler. The vertex function sees all that too, for what need not be worked out pixel by pixel.
 class RenderCommandEncoder : public CommandEncoder {
 public:
     static constexpr std::size_t maximumVertexBytes = 128;

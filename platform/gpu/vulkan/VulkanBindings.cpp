@@ -7,44 +7,44 @@ constexpr std::uint32_t bindingsPerSet = RenderCommandEncoder::maximumBindings;
 constexpr std::uint32_t setsPerPool = 64;
 constexpr std::size_t keptSets = 48;  // frames in flight times passes times kinds of sets, with room
 
-vk::raii::Sampler makeSampler(const vk::raii::Device& device, vk::SamplerAddressMode addressMode) {
-    return {device, vk::SamplerCreateInfo{.magFilter = vk::Filter::eLinear,
-                                          .minFilter = vk::Filter::eLinear,
+using Samplers = std::array<vk::Sampler, 3>;
+
+vk::raii::Sampler makeSampler(const vk::raii::Device& device, vk::Filter filter, vk::SamplerAddressMode addressMode) {
+    return {device, vk::SamplerCreateInfo{.magFilter = filter,
+                                          .minFilter = filter,
                                           .addressModeU = addressMode,
                                           .addressModeV = addressMode,
                                           .addressModeW = addressMode}};
 }
 
+vk::ShaderStageFlags stagesThatSee(vk::DescriptorType type) {
+    using Stage = vk::ShaderStageFlagBits;
+    return type == vk::DescriptorType::eStorageImage ? Stage::eCompute
+                                                     : Stage::eVertex | Stage::eFragment | Stage::eCompute;
+}
+
 vk::raii::DescriptorSetLayout makeSetLayout(const vk::raii::Device& device, vk::DescriptorType type) {
     std::array<vk::DescriptorSetLayoutBinding, bindingsPerSet> bindings;
     for (std::uint32_t i = 0; i < bindingsPerSet; ++i) {
-        const bool computeOnly = type == vk::DescriptorType::eStorageImage;
-        bindings[i] = {.binding = i,
-                       .descriptorType = type,
-                       .descriptorCount = 1,
-                       .stageFlags = computeOnly
-                                         ? vk::ShaderStageFlagBits::eCompute
-                                         : vk::ShaderStageFlagBits::eFragment | vk::ShaderStageFlagBits::eCompute};
+        bindings[i] = {.binding = i, .descriptorType = type, .descriptorCount = 1, .stageFlags = stagesThatSee(type)};
     }
     return {device, vk::DescriptorSetLayoutCreateInfo{.bindingCount = bindingsPerSet, .pBindings = bindings.data()}};
 }
 
-vk::raii::DescriptorSetLayout makeSamplerLayout(const vk::raii::Device& device,
-                                                const std::array<vk::Sampler, 2>& samplers) {
-    std::array<vk::DescriptorSetLayoutBinding, 2> bindings;
+vk::raii::DescriptorSetLayout makeSamplerLayout(const vk::raii::Device& device, const Samplers& samplers) {
+    std::array<vk::DescriptorSetLayoutBinding, std::tuple_size_v<Samplers>> bindings;
     for (std::uint32_t i = 0; i < samplers.size(); ++i) {
         bindings[i] = {.binding = i,
                        .descriptorType = vk::DescriptorType::eSampler,
                        .descriptorCount = 1,
-                       .stageFlags = vk::ShaderStageFlagBits::eFragment | vk::ShaderStageFlagBits::eCompute,
+                       .stageFlags = stagesThatSee(vk::DescriptorType::eSampler),
                        .pImmutableSamplers = &samplers[i]};
     }
     return {device, vk::DescriptorSetLayoutCreateInfo{.bindingCount = static_cast<std::uint32_t>(bindings.size()),
                                                       .pBindings = bindings.data()}};
 }
 
-std::vector<vk::raii::DescriptorSetLayout> makeSetLayouts(const vk::raii::Device& device,
-                                                          const std::array<vk::Sampler, 2>& samplers) {
+std::vector<vk::raii::DescriptorSetLayout> makeSetLayouts(const vk::raii::Device& device, const Samplers& samplers) {
     std::vector<vk::raii::DescriptorSetLayout> layouts;
     layouts.push_back(makeSetLayout(device, vk::DescriptorType::eUniformBuffer));
     layouts.push_back(makeSetLayout(device, vk::DescriptorType::eSampledImage));
@@ -68,7 +68,8 @@ vk::raii::PipelineLayout makePipelineLayout(const vk::raii::Device& device,
 }
 
 vk::raii::DescriptorPool makeSamplerPool(const vk::raii::Device& device) {
-    const vk::DescriptorPoolSize size{.type = vk::DescriptorType::eSampler, .descriptorCount = 2};
+    const vk::DescriptorPoolSize size{.type = vk::DescriptorType::eSampler,
+                                      .descriptorCount = std::tuple_size_v<Samplers>};
     return {device, vk::DescriptorPoolCreateInfo{.flags = vk::DescriptorPoolCreateFlagBits::eFreeDescriptorSet,
                                                  .maxSets = 1,
                                                  .poolSizeCount = 1,
@@ -95,9 +96,10 @@ vk::raii::DescriptorPool makePassPool(const vk::raii::Device& device) {
 }  // namespace
 
 VulkanBindings::VulkanBindings(const vk::raii::Device& device)
-    : _repeating(makeSampler(device, vk::SamplerAddressMode::eRepeat)),
-      _clamping(makeSampler(device, vk::SamplerAddressMode::eClampToEdge)),
-      _setLayouts(makeSetLayouts(device, {*_repeating, *_clamping})),
+    : _repeating(makeSampler(device, vk::Filter::eLinear, vk::SamplerAddressMode::eRepeat)),
+      _clamping(makeSampler(device, vk::Filter::eLinear, vk::SamplerAddressMode::eClampToEdge)),
+      _nearest(makeSampler(device, vk::Filter::eNearest, vk::SamplerAddressMode::eClampToEdge)),
+      _setLayouts(makeSetLayouts(device, {*_repeating, *_clamping, *_nearest})),
       _pipelineLayout(makePipelineLayout(device, _setLayouts)),
       _samplerPool(makeSamplerPool(device)),
       _samplerSets(makeSamplerSets(device, _samplerPool, _setLayouts[samplers])) {}

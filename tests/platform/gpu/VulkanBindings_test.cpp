@@ -29,6 +29,22 @@ TEST_P(VulkanDrawing, EachBufferIsAtItsOwnBindingAndOffset) {
     EXPECT_EQ(readBack(target), bytesOf({51, 153, 153, 51}));
 }
 
+TEST_P(VulkanDrawing, AVertexFunctionSeesTheFragmentBuffers) {
+    const std::array<float, 4> value{0.2F, 0.4F, 0.6F, 0.8F};
+    const auto target = makeTarget({1, 1});
+    const auto buffer = queue->commandBuffer();
+    auto* const encoder = buffer->renderCommandEncoder(passInto(target, LoadAction::DontCare));
+    encoder->setRenderPipelineState(
+        device->newRenderPipelineState({library->newFunction("BufferVertex", gpu::FunctionType::Vertex),
+                                        library->newFunction("FlatFragment", gpu::FunctionType::Fragment),
+                                        {PixelFormat::RGBA8Unorm}}));
+    setQuad(*encoder, wholeTarget(0, 0, 1, 1));
+    encoder->setFragmentBuffer(device->newBuffer(std::as_bytes(std::span(value))), 0, 0);
+    encoder->drawPrimitives(PrimitiveType::TriangleStrip, 0, 4);
+    commit(buffer);
+    EXPECT_EQ(readBack(target), bytesOf({51, 102, 153, 204}));
+}
+
 TEST_P(VulkanDrawing, ABufferMayBeWrittenUntilTheCommit) {
     const auto style = device->newBuffer(16);
     const auto target = makeTarget({1, 1});
@@ -61,16 +77,24 @@ TEST_P(VulkanDrawing, EachTextureIsAtItsOwnBinding) {
     EXPECT_EQ(readBack(target), bytesOf({10, 11, 12, 13}));
 }
 
-TEST_P(VulkanDrawing, OneSamplerRepeatsAndTheOtherClamps) {
+TEST_P(VulkanDrawing, OneSamplerRepeatsAndTheOthersClamp) {
     const auto texture = makeFilledTexture(PixelFormat::R8Unorm, {4, 1}, bytesOf({0, 80, 160, 240}));
     const Quad twice = wholeTarget(0, 0, 2, 1);
     EXPECT_EQ(redsOf(drawTexture("RepeatingFragment", texture, {8, 1}, twice)),
               bytesOf({0, 80, 160, 240, 0, 80, 160, 240}));
     EXPECT_EQ(redsOf(drawTexture("ClampingFragment", texture, {8, 1}, twice)),
               bytesOf({0, 80, 160, 240, 240, 240, 240, 240}));
+    EXPECT_EQ(redsOf(drawTexture("NearestFragment", texture, {8, 1}, twice)),
+              bytesOf({0, 80, 160, 240, 240, 240, 240, 240}));
 }
 
-TEST_P(VulkanDrawing, BothSamplersAreLinear) {
+TEST_P(VulkanDrawing, TheNearestSamplerYieldsTexelsAsTheyAre) {
+    const auto texture = makeFilledTexture(PixelFormat::R8Unorm, {4, 1}, bytesOf({0, 80, 160, 240}));
+    const Quad almostHalfATexelOn = wholeTarget(0.115F, 0, 1.115F, 1);
+    EXPECT_EQ(redsOf(drawTexture("NearestFragment", texture, {4, 1}, almostHalfATexelOn)), bytesOf({0, 80, 160, 240}));
+}
+
+TEST_P(VulkanDrawing, TheRepeatingAndTheFirstClampingSamplerAreLinear) {
     const auto texture = makeFilledTexture(PixelFormat::R8Unorm, {4, 1}, bytesOf({0, 80, 160, 240}));
     const Quad halfATexelOn = wholeTarget(0.125F, 0, 1.125F, 1);
     const auto expectNear = [](const Bytes& actual, const Bytes& expected) {
