@@ -6,6 +6,9 @@ import subprocess
 # circle, in an order in which each four lie in its four quarters.
 SEEDS = (97, 122, 15, 40, 74, 163, 6, 81, 130, 16, 23, 73, 7, 32, 89, 64)
 
+# For what averages over many clouds, whatever their hues.
+MANY_SEEDS = tuple(range(1, 65))
+
 HUE_PLACES = 4
 QUARTER_OF_HUES = 24  # seconds: at 0.0105 turns a second
 FRAMES_OF_FADE = 60  # at 60 Hz: clouds fade in over one second

@@ -1,4 +1,4 @@
-// Gradient noise with its exact slope, grown from a small repeating texture of random numbers.
+// Gradient noise with its exact slope, grown from a small repeating texture of random numbers, or from a hash.
 // The including shader declares `noiseTexture` (256 x 256, signed) and `repeatingSampler`.
 
 const float noiseTexelsPerSide = 256.0;
@@ -12,12 +12,26 @@ struct Noise {
     vec2 slope;   // change of the value per cell
 };
 
-// The random numbers at a cell's four corners, in the order (0, 0), (1, 0), (0, 1), (1, 1).
+// The random numbers of the texture at a cell's four corners, in the order (0, 0), (1, 0), (0, 1), (1, 1).
 // Gathered at the point where the four texels meet: the values come exact, with no filter weights in between (those
 // have 8 bits on most devices, which shows as steps in the relief), and no rounding can pick a neighbour.
-vec4 cornerNumbers(vec2 cell) {
+vec4 textureNumbers(vec2 cell) {
     vec2 meetingPoint = (cell + 1.0) / noiseTexelsPerSide;
     return textureGather(sampler2D(noiseTexture, repeatingSampler), meetingPoint).wzxy;
+}
+
+// Such numbers from arithmetic, which costs a software driver a quarter of looking them up; other ones for each salt.
+// Rounds of folding the high bits down and multiplying by a large odd number, after Chris Wellons, "Prospecting for Hash
+// Functions" (2018). With one round less the lattice shows as straight threads.
+vec4 hashedNumbers(vec2 cell, int salt) {
+    const ivec2 perCell = ivec2(0x27d4eb2f, 0x165667b1);
+    ivec2 near = ivec2(cell) * perCell;
+    ivec2 far = near + perCell;
+    ivec4 mixed = ivec4(near.x, far.x, near.x, far.x) ^ (ivec4(near.yy, far.yy) + salt);
+    mixed = (mixed ^ (mixed >> 15)) * 0x2c1b3c6d;
+    mixed = (mixed ^ (mixed >> 12)) * 0x297a2d39;
+    mixed ^= mixed >> 15;
+    return vec4(mixed) / 2147483648.0;
 }
 
 // A quarter of cos(pi v) and of sin(pi v) for v in [-1, 1], each as two parabolas. A random number thereby becomes a
@@ -47,13 +61,9 @@ float betweenCorners(vec4 corners, vec2 weight) {
     return mix(row.x, row.y, weight.y);
 }
 
-// `position` in cells; a cell is as wide as one number of the texture.
-Noise gradientNoise(vec2 position) {
-    vec2 cell = floor(position);
-    vec2 inCell = position - cell;
+// At a place in a cell, 0 to 1, with the numbers of its corners.
+Noise gradientNoise(vec2 inCell, vec4 numbers) {
     vec2 fromFarCorner = inCell - 1.0;
-
-    vec4 numbers = cornerNumbers(cell);
     vec4 gradientX = latticeCosine(numbers);
     vec4 gradientY = latticeSine(numbers);
 
@@ -70,4 +80,19 @@ Noise gradientNoise(vec2 position) {
     vec2 blendSlope = fadeSlope(inCell) * vec2(mix(acrossX.x, acrossX.y, weight.y), rows.y - rows.x);
 
     return Noise(noiseGain * mix(rows.x, rows.y, weight.y), noiseGain * (planeSlope + blendSlope));
+}
+
+// Noise whose lattice is turned. `position` in cells.
+Noise noiseOfTexture(vec2 position, mat2 turn) {
+    vec2 turned = turn * position;
+    vec2 cell = floor(turned);
+    Noise noise = gradientNoise(turned - cell, textureNumbers(cell));
+    return Noise(noise.value, noise.slope * turn);  // turned back
+}
+
+Noise noiseOfHash(vec2 position, mat2 turn, int salt) {
+    vec2 turned = turn * position;
+    vec2 cell = floor(turned);
+    Noise noise = gradientNoise(turned - cell, hashedNumbers(cell, salt));
+    return Noise(noise.value, noise.slope * turn);
 }

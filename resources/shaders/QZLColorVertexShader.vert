@@ -3,26 +3,65 @@
 
 // Places the colour pass's quad. Its texture positions lie on the noise plane, in noise-texture widths, y up.
 //
-// Seen from near, the region would hold less than one cloud, and from far so many that they turn into a texture. So clouds
-// grow and shrink a little with the region: around its centre, so that it still drifts over the plane as it should.
+// Seen from near, the region would hold less than one cloud, and from far so many that they turn into a texture. So
+// clouds grow and shrink a little with the region: around its centre, so that it still drifts over the plane as it
+// should.
 
+layout(set = 0, binding = 0) uniform ColorStyle {
+    vec4 octaveTransform;  // two columns
+    float octaves;
+    float hueOffset;   // turns
+    float saturation;  // factor
+    float fullColor;
+    float darkening;
+} style;
+
+layout(set = 1, binding = 0) uniform texture2D noiseTexture;
+layout(set = 2, binding = 0) uniform sampler repeatingSampler;
+
+#include "Palette.glsl"
+#define VARYING out
+#include "ColorFrame.glsl"
 #include "Quad.glsl"
+#include "Relief.glsl"
 
-layout(location = 1) flat out float regionHeight;  // in noise-texture widths, with that
-layout(location = 2) flat out float fineness;      // how much of fine detail to show: more from near, less from far
+// Cells of the first octave per noise-texture width: about 2.8 in the picture's height at the usual zoom.
+const float cellsPerTextureWidth = 22.5;
 
 const float usualHeight = 0.124;  // of the region at the usual zoom
 const float growth = 0.42;        // as powers of how much nearer than usual the region is seen
-const float gainOfDetail = 0.30;
+const float gainOfDetail = 0.30;  // more of fine detail from near, less from far
+
+// 1 when the style asks for that octave, counted from 1.
+float isWanted(float octave) {
+    return clamp(style.octaves - octave + 1.0, 0.0, 1.0);
+}
+
+// Mixed from the first numbers of the texture.
+int saltOfNoise() {
+    int salt = 0;
+    for (int x = 0; x < 4; ++x) {
+        float number = texelFetch(sampler2D(noiseTexture, repeatingSampler), ivec2(x, 0), 0).r;
+        salt = 255 * salt + int(127.0 * number);
+    }
+    return salt;
+}
 
 void main() {
-    placeCorner();
+    vec2 position = placedCorner();
     vec2 center = 0.5 * (quad.corners[0].zw + quad.corners[3].zw);
     float height = quad.corners[3].w - quad.corners[0].w;
     float nearness = usualHeight / height;
     float scale = pow(nearness, growth);
+    cellPosition = cellsPerTextureWidth * (center + scale * (position - center));
+    slopeGain = cellsPerTextureWidth * scale * height / unitRise;
 
-    texturePosition = center + scale * (texturePosition - center);
-    regionHeight = scale * height;
-    fineness = pow(nearness, gainOfDetail);
+    float fineness = pow(nearness, gainOfDetail);
+    octaveShares = vec4(0.145 + 0.145 * fineness, 0.15 * fineness * isWanted(3.0), 0.08 * fineness * isWanted(4.0),
+                        0.03 * fineness * isWanted(4.0));
+    octaveTransform = mat2(style.octaveTransform.xy, style.octaveTransform.zw);
+    fullColor = style.fullColor;
+    darkening = style.darkening;
+    salt = saltOfNoise();
+    palette = paletteOf(style.hueOffset, style.saturation);
 }
