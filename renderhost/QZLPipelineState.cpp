@@ -26,7 +26,7 @@ std::shared_ptr<gpu::Library> loadLibrary(gpu::Device* device, platform::ErrorPl
 std::shared_ptr<gpu::RenderPipelineState> QZLCreateCustomRenderPipelineState(
     const gpu::Layer& layer, const gpu::PixelFormat* pixelFormats, std::size_t colorAttachmentCount,
     const std::string& vertexFunctionName, const std::string& fragmentFunctionName, platform::ErrorPlace error,
-    std::uint64_t subCode) {
+    std::uint64_t subCode, const std::vector<std::uint32_t>& constants) {
     const auto device = layer.device();
     const auto library = loadLibrary(device.get(), error, subCode);
     if (library == nullptr) {
@@ -44,6 +44,7 @@ std::shared_ptr<gpu::RenderPipelineState> QZLCreateCustomRenderPipelineState(
         return nullptr;
     }
     descriptor.colorAttachmentFormats.assign(pixelFormats, pixelFormats + colorAttachmentCount);
+    descriptor.constants = constants;
     auto state = device->newRenderPipelineState(descriptor);
     if (state == nullptr) {
         QZLReportError(error, QZLErrorRenderPipeline, subCode);

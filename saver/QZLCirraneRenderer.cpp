@@ -127,9 +127,10 @@ bool QZLCirraneRenderer::createResources(platform::ErrorPlace error) {
 
 bool QZLCirraneRenderer::createPipelineStates(platform::ErrorPlace error) {
     constexpr std::array formats{colorFormat, heightFormat};
+    const auto rows = static_cast<std::uint32_t>(_intermediateHeight);  // they decide how fine the clouds are drawn
     _colorRenderPipelineState =
         QZLCreateCustomRenderPipelineState(*layer(), formats.data(), formats.size(), "QZLColorVertexShader",
-                                           "QZLColorFragmentShader", error, colorPipelineSubCode);
+                                           "QZLColorFragmentShader", error, colorPipelineSubCode, {rows});
     if (_colorRenderPipelineState == nullptr) {
         return false;
     }

@@ -61,14 +61,19 @@ vk::raii::ShaderModule makeModule(const BareDevice& device, const std::filesyste
     return {device.handle(), vk::ShaderModuleCreateInfo{.codeSize = bytes.size(), .pCode = words.data()}};
 }
 
+/// `rows`, of the intermediate images, becomes specialisation constant 1.
 vk::raii::Pipeline makePipeline(const BareDevice& device, const BarePipelines& pipelines, vk::ShaderModule module,
                                 const char* vertexFunction, const char* fragmentFunction,
-                                const std::vector<vk::Format>& formats) {
-    const std::array stages{
-        vk::PipelineShaderStageCreateInfo{
-            .stage = vk::ShaderStageFlagBits::eVertex, .module = module, .pName = vertexFunction},
-        vk::PipelineShaderStageCreateInfo{
-            .stage = vk::ShaderStageFlagBits::eFragment, .module = module, .pName = fragmentFunction}};
+                                const std::vector<vk::Format>& formats, std::uint32_t rows) {
+    const vk::SpecializationMapEntry entry{.constantID = 1, .size = sizeof(rows)};
+    const vk::SpecializationInfo constants{
+        .mapEntryCount = 1, .pMapEntries = &entry, .dataSize = sizeof(rows), .pData = &rows};
+    const auto stage = [&](vk::ShaderStageFlagBits bit, const char* function) {
+        return vk::PipelineShaderStageCreateInfo{
+            .stage = bit, .module = module, .pName = function, .pSpecializationInfo = &constants};
+    };
+    const std::array stages{stage(vk::ShaderStageFlagBits::eVertex, vertexFunction),
+                            stage(vk::ShaderStageFlagBits::eFragment, fragmentFunction)};
     using Component = vk::ColorComponentFlagBits;
     const vk::PipelineVertexInputStateCreateInfo vertexInput;
     const vk::PipelineInputAssemblyStateCreateInfo assembly{.topology = vk::PrimitiveTopology::eTriangleStrip};
@@ -100,7 +105,7 @@ vk::raii::Pipeline makePipeline(const BareDevice& device, const BarePipelines& p
 
 }  // namespace
 
-BarePipelines::BarePipelines(const BareDevice& device, const std::filesystem::path& shaderLibrary)
+BarePipelines::BarePipelines(const BareDevice& device, const std::filesystem::path& shaderLibrary, std::uint32_t rows)
     : _repeating(makeSampler(device, vk::Filter::eLinear, vk::SamplerAddressMode::eRepeat)),
       _clamping(makeSampler(device, vk::Filter::eLinear, vk::SamplerAddressMode::eClampToEdge)),
       _nearest(makeSampler(device, vk::Filter::eNearest, vk::SamplerAddressMode::eClampToEdge)),
@@ -108,8 +113,8 @@ BarePipelines::BarePipelines(const BareDevice& device, const std::filesystem::pa
       _layout(makeLayout(device, _setLayouts)),
       _module(makeModule(device, shaderLibrary)),
       _colorPass(makePipeline(device, *this, *_module, "QZLColorVertexShader", "QZLColorFragmentShader",
-                              {colorFormat, heightFormat})),
-      _lightPass(
-          makePipeline(device, *this, *_module, "QZLLightVertexShader", "QZLLightFragmentShader", {pictureFormat})) {}
+                              {colorFormat, heightFormat}, rows)),
+      _lightPass(makePipeline(device, *this, *_module, "QZLLightVertexShader", "QZLLightFragmentShader",
+                              {pictureFormat}, rows)) {}
 
 }  // namespace bench

@@ -2,6 +2,7 @@
 
 #include "benchmarks/frameloop/BareDevice.hpp"
 
+#include <cstdint>
 #include <filesystem>
 #include <vector>
 
@@ -11,7 +12,8 @@ namespace bench {
 /// repeating, the clamping and the nearest sampler, the quad as push constants.
 class BarePipelines {
 public:
-    BarePipelines(const BareDevice& device, const std::filesystem::path& shaderLibrary);
+    /// For intermediate images of so many rows.
+    BarePipelines(const BareDevice& device, const std::filesystem::path& shaderLibrary, std::uint32_t rows);
 
     vk::Pipeline colorPass() const { return *_colorPass; }
     vk::Pipeline lightPass() const { return *_lightPass; }

@@ -68,7 +68,7 @@ BareRenderer::BareRenderer(const BareDevice& device, const std::filesystem::path
     : _size(size),
       _intermediate(intermediateSize(size)),
       _device(device),
-      _pipelines(_device, shaderLibrary),
+      _pipelines(_device, shaderLibrary, _intermediate.height),
       _descriptorPool(makeDescriptorPool(_device)),
       _timeline(makeTimeline(_device)) {
     makeNoise(BareSky(_intermediate.width, _intermediate.height).noise());

@@ -113,6 +113,7 @@ struct RenderPipelineDescriptor {
     std::shared_ptr<Function> vertexFunction;
     std::shared_ptr<Function> fragmentFunction;
     std::vector<PixelFormat> colorAttachmentFormats;
+    std::vector<std::uint32_t> constants{};  ///< specialisation constants 1, 2, … of both functions
 };
 
 /// A compiled pair of shader functions with the formats they draw into. Immutable.

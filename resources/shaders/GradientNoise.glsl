@@ -82,17 +82,26 @@ Noise gradientNoise(vec2 inCell, vec4 numbers) {
     return Noise(noiseGain * mix(rows.x, rows.y, weight.y), noiseGain * (planeSlope + blendSlope));
 }
 
-// Noise whose lattice is turned. `position` in cells.
-Noise noiseOfTexture(vec2 position, mat2 turn) {
-    vec2 turned = turn * position;
-    vec2 cell = floor(turned);
-    Noise noise = gradientNoise(turned - cell, textureNumbers(cell));
-    return Noise(noise.value, noise.slope * turn);  // turned back
+// `position` in cells.
+Noise noiseOfTexture(vec2 position) {
+    vec2 cell = floor(position);
+    return gradientNoise(position - cell, textureNumbers(cell));
 }
 
-Noise noiseOfHash(vec2 position, mat2 turn, int salt) {
-    vec2 turned = turn * position;
-    vec2 cell = floor(turned);
-    Noise noise = gradientNoise(turned - cell, hashedNumbers(cell, salt));
-    return Noise(noise.value, noise.slope * turn);
+Noise noiseOfHash(vec2 position, int salt) {
+    vec2 cell = floor(position);
+    return gradientNoise(position - cell, hashedNumbers(cell, salt));
+}
+
+// An eighth of a turn, and back.
+vec2 turned(vec2 v) {
+    return 0.70711 * vec2(v.x - v.y, v.x + v.y);
+}
+
+vec2 turnedBack(vec2 v) {
+    return 0.70711 * vec2(v.x + v.y, v.y - v.x);
+}
+
+Noise turnedBack(Noise noise) {
+    return Noise(noise.value, turnedBack(noise.slope));
 }

@@ -20,21 +20,17 @@ layout(set = 2, binding = 0) uniform sampler repeatingSampler;
 
 #include "OkLab.glsl"
 #include "CloudColor.glsl"
+#include "Detail.glsl"
 #include "GradientNoise.glsl"
 #include "Relief.glsl"
 
-// Each octave is this much finer than the one before it (the length of the transform's columns).
-const float octaveRatio = 1.97;
-
-// The lattices of the noise lie straight and turned by an eighth by turns: so their directions do not add up to a grid.
-const mat2 straight = mat2(1.0);
-const mat2 eighthTurn = mat2(0.70711, 0.70711, -0.70711, 0.70711);
+// Every other lattice of noise lies turned by an eighth: so their directions do not add up to a grid.
 
 const float weatherCellsPerCell = 0.31;
 const vec2 weatherOrigin = vec2(10.5, 5.3);  // any place where it does not start on a corner of the lattice
 
 Noise weatherAt(vec2 position) {
-    return noiseOfHash(position * weatherCellsPerCell + weatherOrigin, eighthTurn, salt);
+    return turnedBack(noiseOfHash(turned(weatherCellsPerCell * position + weatherOrigin), salt));
 }
 
 // Where an octave is sampled, in its own cells.
@@ -61,24 +57,20 @@ Place finerPlace(Octave coarser) {
     return Place(octaveTransform * coarser.place.position, octaveTransform * displacement);
 }
 
-Octave octaveAt(Place place, mat2 turn) {
-    return Octave(place, noiseOfTexture(place.position + place.displacement, turn));
+vec2 sampled(Place place) {
+    return place.position + place.displacement;
 }
 
-Octave wispsAt(Place place, mat2 turn) {
-    return Octave(place, noiseOfHash(place.position + place.displacement, turn, salt));
+Octave octaveAt(Place place) {
+    return Octave(place, noiseOfTexture(sampled(place)));
 }
 
-// How much of an octave to show where one pixel spans so many of its cells: all of it at 8.4 pixels to the cell, none at
-// 2.8, so that nothing shimmers.
-float visibleShare(float cellsPerPixel) {
-    return clamp(1.5 - 4.2 * cellsPerPixel, 0.0, 1.0);
+Octave turnedOctaveAt(Place place) {
+    return Octave(place, turnedBack(noiseOfTexture(turned(sampled(place)))));
 }
 
-// Wisps are for screens so large that the octaves alone would look soft. They come in from 12 pixels of the intermediate
-// images to the cell on, which no screen below 2880 x 1620 has at the usual zoom.
-float shareOfWisps(float cellsPerPixel) {
-    return clamp(0.2 / cellsPerPixel - 2.4, 0.0, 1.0);
+Octave wispsAt(Place place) {
+    return Octave(place, noiseOfHash(sampled(place), salt));
 }
 
 struct Billow {
@@ -97,16 +89,15 @@ Billow billow(Octave octave, Octave coarser, float softness) {
 }
 
 void main() {
-    float thirdCellsPerPixel = abs(dFdy(cellPosition.y)) * octaveRatio * octaveRatio;
-    float fourthCellsPerPixel = thirdCellsPerPixel * octaveRatio;
-    float wispCellsPerPixel = fourthCellsPerPixel * octaveRatio;
-
     Noise weather = weatherAt(cellPosition);
-    Octave first = octaveAt(placeInFlow(cellPosition, weather), straight);
-    Octave second = octaveAt(finerPlace(first), eighthTurn);
-    Octave third = octaveAt(finerPlace(second), straight);
-    Octave fourth = octaveAt(finerPlace(third), eighthTurn);
-    Octave wisps = wispsAt(finerPlace(fourth), straight);
+    Octave first = octaveAt(placeInFlow(cellPosition, weather));
+    Octave second = turnedOctaveAt(finerPlace(first));
+    Octave third = octaveAt(finerPlace(second));
+    Octave fourth = turnedOctaveAt(finerPlace(third));
+    Octave wisps = fourth;
+    if (hasWisps) {
+        wisps = wispsAt(finerPlace(fourth));
+    }
 
     // The signed weight of detail, from the broad mass.
     float weight = clamp(0.27 + 1.75 * (first.noise.value + 0.6 * weather.value), -1.0, 1.3);
@@ -118,9 +109,9 @@ void main() {
     // Finer detail gathers on the large billows and leaves their creases clear.
     float fineWeight = weight * clamp(0.5 + 1.2 * (large.value + 0.15), 0.3, 1.4);
     float largeShare = octaveShares[0] * weight;
-    float middleShare = octaveShares[1] * visibleShare(thirdCellsPerPixel) * fineWeight;
-    float fineShare = octaveShares[2] * visibleShare(fourthCellsPerPixel) * fineWeight;
-    float wispShare = octaveShares[3] * shareOfWisps(wispCellsPerPixel) * fineWeight;
+    float middleShare = octaveShares[1] * fineWeight;
+    float fineShare = octaveShares[2] * fineWeight;
+    float wispShare = hasWisps ? octaveShares[3] * fineWeight : 0.0;
 
     float mass = 0.35 * first.noise.value + 0.25 * weather.value;
     mass += largeShare * large.value + middleShare * middle.value + fineShare * fine.value + wispShare * wispy.value;

@@ -19,6 +19,7 @@ layout(set = 0, binding = 0) uniform ColorStyle {
 layout(set = 1, binding = 0) uniform texture2D noiseTexture;
 layout(set = 2, binding = 0) uniform sampler repeatingSampler;
 
+#include "Detail.glsl"
 #include "Palette.glsl"
 #define VARYING out
 #include "ColorFrame.glsl"
@@ -32,9 +33,34 @@ const float usualHeight = 0.124;  // of the region at the usual zoom
 const float growth = 0.42;        // as powers of how much nearer than usual the region is seen
 const float gainOfDetail = 0.30;  // more of fine detail from near, less from far
 
+// Each octave is this much finer than the one before it (the length of the transform's columns).
+const float octaveRatio = 1.97;
+
 // 1 when the style asks for that octave, counted from 1.
 float isWanted(float octave) {
     return clamp(style.octaves - octave + 1.0, 0.0, 1.0);
+}
+
+// How much of an octave to show where a pixel spans so many of its cells: all of it at 8.4 pixels to the cell, none at
+// 2.8, so that nothing shimmers.
+float visibleShare(float cellsPerPixel) {
+    return clamp(1.5 - 4.2 * cellsPerPixel, 0.0, 1.0);
+}
+
+// Wisps come in more slowly, from 12 pixels to the cell to 17.
+float shareOfWisps(float cellsPerPixel) {
+    return clamp(3.4 - 41.0 * cellsPerPixel, 0.0, 1.0);
+}
+
+// From the second octave to the wisps.
+vec4 sharesInMass(float cellsPerPixel, float fineness) {
+    float thirdCellsPerPixel = cellsPerPixel * octaveRatio * octaveRatio;
+    float fourthCellsPerPixel = thirdCellsPerPixel * octaveRatio;
+    float wispCellsPerPixel = fourthCellsPerPixel * octaveRatio;
+    return vec4(0.145 + 0.145 * fineness,
+                0.15 * fineness * isWanted(3.0) * visibleShare(thirdCellsPerPixel),
+                0.08 * fineness * isWanted(4.0) * visibleShare(fourthCellsPerPixel),
+                0.03 * fineness * isWanted(4.0) * shareOfWisps(wispCellsPerPixel));
 }
 
 // Mixed from the first numbers of the texture.
@@ -54,11 +80,10 @@ void main() {
     float nearness = usualHeight / height;
     float scale = pow(nearness, growth);
     cellPosition = cellsPerTextureWidth * (center + scale * (position - center));
-    slopeGain = cellsPerTextureWidth * scale * height / unitRise;
 
-    float fineness = pow(nearness, gainOfDetail);
-    octaveShares = vec4(0.145 + 0.145 * fineness, 0.15 * fineness * isWanted(3.0), 0.08 * fineness * isWanted(4.0),
-                        0.03 * fineness * isWanted(4.0));
+    float cellsInHeight = cellsPerTextureWidth * scale * height;
+    slopeGain = cellsInHeight / unitRise;
+    octaveShares = sharesInMass(cellsInHeight / float(imageRows), pow(nearness, gainOfDetail));
     octaveTransform = mat2(style.octaveTransform.xy, style.octaveTransform.zw);
     fullColor = style.fullColor;
     darkening = style.darkening;

@@ -76,6 +76,13 @@ TEST_F(QZLPipelineState, ACustomPipelineDrawsInTheFormatsGiven) {
     EXPECT_EQ(gpu->calls().back(), "newRenderPipeline Vertex+Fragment [RGB10A2Unorm, R16Unorm]");
 }
 
+TEST_F(QZLPipelineState, ACustomPipelineHandsItsConstantsOn) {
+    const gpu::PixelFormat format = gpu::PixelFormat::R16Unorm;
+    EXPECT_NE(QZLCreateCustomRenderPipelineState(*layer, &format, 1, "Vertex", "Fragment", &error, 1, {474, 7}),
+              nullptr);
+    EXPECT_EQ(gpu->calls().back(), "newRenderPipeline Vertex+Fragment [R16Unorm] 474 7");
+}
+
 TEST_F(QZLPipelineState, AComputePipelineIsMadeOfOneFunction) {
     EXPECT_NE(createCompute("Kernel"), nullptr);
     EXPECT_THAT(gpu->calls(),

@@ -23,7 +23,7 @@ const std::vector<Call> callsOfAnAttach{
     {"newLibrary default.metallib", 101, 1000},
     {"newFunction QZLColorVertexShader", 102, 1000},
     {"newFunction QZLColorFragmentShader", 103, 1000},
-    {"newRenderPipeline QZLColorVertexShader+QZLColorFragmentShader [RGB10A2Unorm, R16Unorm]", 105, 1000},
+    {"newRenderPipeline QZLColorVertexShader+QZLColorFragmentShader [RGB10A2Unorm, R16Unorm] 480", 105, 1000},
     {"newLibrary default.metallib", 101, 1001},
     {"newFunction QZLLightVertexShader", 102, 1001},
     {"newFunction QZLLightFragmentShader", 103, 1001},

@@ -117,8 +117,11 @@ std::shared_ptr<gpu::RenderPipelineState> Device::makeRenderPipelineState(
     const gpu::RenderPipelineDescriptor& descriptor) {
     const std::string name = descriptor.vertexFunction->name() + "+" + descriptor.fragmentFunction->name();
     const bool succeeds = _state->next(&Gpu::State::Counts::renderPipelines, &FaultPlan::failingRenderPipelines);
-    if (!_state->attempt("newRenderPipeline " + name + " " + listOf(descriptor.colorAttachmentFormats),
-                         succeeds && !_lost)) {
+    std::string call = "newRenderPipeline " + name + " " + listOf(descriptor.colorAttachmentFormats);
+    for (const std::uint32_t constant : descriptor.constants) {
+        call += " " + std::to_string(constant);
+    }
+    if (!_state->attempt(call, succeeds && !_lost)) {
         return nullptr;
     }
     return _state->make<RenderPipelineState>(self(), name);

@@ -9,33 +9,45 @@
 #include <array>
 #include <cstdint>
 #include <iterator>
+#include <vector>
 
 namespace gpu::vulkan {
 namespace {
 
 /// Specialisation constant 0 tells shaders what kind of device they run on, in Vulkan's numbers: 0 other, 1 integrated,
-/// 2 discrete, 3 virtual, 4 CPU.
-class DeviceKind {
+/// 2 discrete, 3 virtual, 4 CPU. The others are the caller's.
+class Constants {
 public:
-    explicit DeviceKind(const VulkanDevice& device)
-        : _kind(static_cast<std::uint32_t>(device.properties().deviceType)) {}
-    DeviceKind(const DeviceKind&) = delete;
-    DeviceKind& operator=(const DeviceKind&) = delete;
+    explicit Constants(const VulkanDevice& device, const std::vector<std::uint32_t>& others = {})
+        : _values{static_cast<std::uint32_t>(device.properties().deviceType)} {
+        _values.insert(_values.end(), others.begin(), others.end());
+        for (std::uint32_t id = 0; id < _values.size(); ++id) {
+            _entries.push_back({.constantID = id,
+                                .offset = id * static_cast<std::uint32_t>(sizeof(std::uint32_t)),
+                                .size = sizeof(std::uint32_t)});
+        }
+        _info = {.mapEntryCount = static_cast<std::uint32_t>(_entries.size()),
+                 .pMapEntries = _entries.data(),
+                 .dataSize = _values.size() * sizeof(std::uint32_t),
+                 .pData = _values.data()};
+    }
+    Constants(const Constants&) = delete;
+    Constants& operator=(const Constants&) = delete;
 
     const vk::SpecializationInfo* info() const { return &_info; }
 
 private:
-    std::uint32_t _kind;
-    vk::SpecializationMapEntry _entry{.constantID = 0, .offset = 0, .size = sizeof(_kind)};
-    vk::SpecializationInfo _info{
-        .mapEntryCount = 1, .pMapEntries = &_entry, .dataSize = sizeof(_kind), .pData = &_kind};
+    std::vector<std::uint32_t> _values;
+    std::vector<vk::SpecializationMapEntry> _entries;
+    vk::SpecializationInfo _info;
 };
 
-vk::PipelineShaderStageCreateInfo stage(const Function& function, vk::ShaderStageFlagBits bit, const DeviceKind& kind) {
+vk::PipelineShaderStageCreateInfo stage(const Function& function, vk::ShaderStageFlagBits bit,
+                                        const Constants& constants) {
     return {.stage = bit,
             .module = static_cast<const VulkanFunction&>(function).module(),
             .pName = function.name().c_str(),
-            .pSpecializationInfo = kind.info()};
+            .pSpecializationInfo = constants.info()};
 }
 
 vk::PipelineColorBlendAttachmentState overwriting() {
@@ -48,9 +60,9 @@ vk::PipelineColorBlendAttachmentState overwriting() {
 VulkanRenderPipelineState::VulkanRenderPipelineState(const std::shared_ptr<VulkanDevice>& device,
                                                      const RenderPipelineDescriptor& descriptor)
     : RenderPipelineState(device), _colorAttachmentFormats(descriptor.colorAttachmentFormats) {
-    const DeviceKind kind(*device);
-    const std::array stages{stage(*descriptor.vertexFunction, vk::ShaderStageFlagBits::eVertex, kind),
-                            stage(*descriptor.fragmentFunction, vk::ShaderStageFlagBits::eFragment, kind)};
+    const Constants constants(*device, descriptor.constants);
+    const std::array stages{stage(*descriptor.vertexFunction, vk::ShaderStageFlagBits::eVertex, constants),
+                            stage(*descriptor.fragmentFunction, vk::ShaderStageFlagBits::eFragment, constants)};
     const vk::PipelineVertexInputStateCreateInfo vertexInput;
     const vk::PipelineInputAssemblyStateCreateInfo inputAssembly{.topology = vk::PrimitiveTopology::eTriangleStrip};
     const vk::PipelineViewportStateCreateInfo viewport{.viewportCount = 1, .scissorCount = 1};
@@ -90,8 +102,8 @@ void VulkanRenderPipelineState::labelDidChange() {
 VulkanComputePipelineState::VulkanComputePipelineState(const std::shared_ptr<VulkanDevice>& device,
                                                        const std::shared_ptr<Function>& function)
     : ComputePipelineState(device) {
-    const DeviceKind kind(*device);
-    const vk::ComputePipelineCreateInfo info{.stage = stage(*function, vk::ShaderStageFlagBits::eCompute, kind),
+    const Constants constants(*device);
+    const vk::ComputePipelineCreateInfo info{.stage = stage(*function, vk::ShaderStageFlagBits::eCompute, constants),
                                              .layout = device->bindings().pipelineLayout()};
     _pipeline = vk::raii::Pipeline(device->handle(), device->pipelineCache().handle(), info);
     device->pipelineCache().save();  // now, as nobody knows how the process will end

@@ -2,6 +2,9 @@
 
 #include <array>
 #include <cmath>
+#include <cstdint>
+#include <utility>
+#include <vector>
 
 using gpu::FunctionType;
 using gpu::LoadAction;
@@ -95,21 +98,29 @@ TEST_P(VulkanDrawing, APassDrawsIntoTwoTargetsAndTheNextOneReadsThem) {
     }
 }
 
-TEST_P(VulkanDrawing, ShadersAreToldTheKindOfDevice) {
-    const auto target = makeTarget({1, 1}, PixelFormat::RGBA8Uint);
-    const auto buffer = queue->commandBuffer();
-    auto* const encoder = buffer->renderCommandEncoder(passInto(target, LoadAction::DontCare));
-    encoder->setRenderPipelineState(makePipeline("DeviceKindFragment", {PixelFormat::RGBA8Uint}));
-    setQuad(*encoder, wholeTarget(0, 0, 1, 1));
-    encoder->drawPrimitives(PrimitiveType::TriangleStrip, 0, 4);
-    commit(buffer);
-
-    const Bytes pixel = readBack(target);
+TEST_P(VulkanDrawing, ShadersAreToldTheKindOfDeviceAndTheConstantsGiven) {
+    const auto drawWith = [&](std::vector<std::uint32_t> constants) {
+        const auto target = makeTarget({1, 1}, PixelFormat::RGBA8Uint);
+        const auto buffer = queue->commandBuffer();
+        auto* const encoder = buffer->renderCommandEncoder(passInto(target, LoadAction::DontCare));
+        encoder->setRenderPipelineState(
+            device->newRenderPipelineState({library->newFunction("QuadVertex", gpu::FunctionType::Vertex),
+                                            library->newFunction("ConstantsFragment", gpu::FunctionType::Fragment),
+                                            {PixelFormat::RGBA8Uint},
+                                            std::move(constants)}));
+        setQuad(*encoder, wholeTarget(0, 0, 1, 1));
+        encoder->drawPrimitives(PrimitiveType::TriangleStrip, 0, 4);
+        commit(buffer);
+        return readBack(target);
+    };
+    const Bytes pixel = drawWith({});
     EXPECT_LE(std::to_integer<int>(pixel[0]), 4) << "other, integrated, discrete, virtual or CPU";
-    EXPECT_EQ(pixel[3], std::byte{7});
+    EXPECT_EQ(Bytes(pixel.begin() + 1, pixel.end()), bytesOf({98, 97, 7}));
     if (device->name().find("llvmpipe") != std::string::npos) {
         EXPECT_EQ(pixel[0], std::byte{4});
     }
+    EXPECT_EQ(drawWith({11, 12}), (Bytes{pixel[0], std::byte{11}, std::byte{12}, std::byte{7}}));
+    EXPECT_EQ(drawWith({11}), (Bytes{pixel[0], std::byte{11}, std::byte{97}, std::byte{7}}));
 }
 
 TEST_P(VulkanDrawing, AKernelWritesATextureThatIsReadAfterwards) {
