@@ -22,9 +22,9 @@ class Program:
         self._directory = pathlib.Path(directory)
         self._size = size
 
-    def frame(self, seed, settings=()):
+    def first_frame(self, seed, settings=()):
         """A frame that the clouds begin with."""
-        return self.draw(f"{seed}{_name(settings)}", seed, settings, "--fps", "1", "--frames", "2")[-1]
+        return self.draw(f"{self._size}-{seed}{_name(settings)}", seed, settings, "--fps", "1", "--frames", "2")[-1]
 
     def frames_around_hues(self, seed):
         """Frames of four hues, a quarter of the circle apart."""

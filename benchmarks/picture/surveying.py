@@ -36,7 +36,7 @@ def measures_around_hues(program, seed):
 
 def measures_at(program, seed, *settings):
     """Of the first frame; away from the defaults only those of faults."""
-    return [measures_of_frame(program.frame(seed, settings), FAULTS if settings else ALL)]
+    return [measures_of_frame(program.first_frame(seed, settings), FAULTS if settings else ALL)]
 
 
 def measures_in_motion(program, seed, *settings):
