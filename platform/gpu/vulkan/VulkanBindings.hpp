@@ -9,9 +9,9 @@
 
 namespace gpu::vulkan {
 
-/// The one binding layout that all pipelines share: set 0 holds uniform buffers, set 1 sampled images, set 2 a repeating
-/// linear, a clamping linear and a clamping nearest sampler, set 3 storage images; vertex bytes are push constants. One
-/// per device.
+/// The one binding layout that all pipelines share: set 0 holds uniform buffers, set 1 sampled images, set 2 a
+/// repeating linear, a clamping linear and a clamping nearest sampler, set 3 storage images; vertex bytes are push
+/// constants. One per device.
 class VulkanBindings {
 public:
     enum Set : std::uint32_t { buffers = 0, textures = 1, samplers = 2, storageTextures = 3 };
