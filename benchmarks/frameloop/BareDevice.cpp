@@ -136,8 +136,9 @@ void BareDevice::runAndWait(const std::function<void(const vk::raii::CommandBuff
 const BareUse nothing{vk::ImageLayout::eUndefined, vk::PipelineStageFlagBits2::eNone, {}};
 const BareUse colorTarget{vk::ImageLayout::eColorAttachmentOptimal, vk::PipelineStageFlagBits2::eColorAttachmentOutput,
                           vk::AccessFlagBits2::eColorAttachmentWrite};
-const BareUse sampledByFragments{vk::ImageLayout::eShaderReadOnlyOptimal, vk::PipelineStageFlagBits2::eFragmentShader,
-                                 vk::AccessFlagBits2::eShaderSampledRead};
+const BareUse sampledByShaders{vk::ImageLayout::eShaderReadOnlyOptimal,
+                               vk::PipelineStageFlagBits2::eVertexShader | vk::PipelineStageFlagBits2::eFragmentShader,
+                               vk::AccessFlagBits2::eShaderSampledRead};
 const BareUse shown{vk::ImageLayout::ePresentSrcKHR, vk::PipelineStageFlagBits2::eNone, {}};
 const BareUse copySource{vk::ImageLayout::eTransferSrcOptimal, vk::PipelineStageFlagBits2::eAllTransfer,
                          vk::AccessFlagBits2::eTransferRead};

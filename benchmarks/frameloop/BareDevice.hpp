@@ -62,7 +62,7 @@ struct BareUse {
 };
 extern const BareUse nothing;
 extern const BareUse colorTarget;
-extern const BareUse sampledByFragments;
+extern const BareUse sampledByShaders;
 extern const BareUse shown;
 extern const BareUse copySource;
 extern const BareUse copyDestination;

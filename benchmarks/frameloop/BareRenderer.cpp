@@ -93,7 +93,7 @@ void BareRenderer::makeNoise(const std::vector<std::byte>& bytes) {
         commands.copyBufferToImage(
             *staging.buffer, *_noise.image, copyDestination.layout,
             vk::BufferImageCopy{.imageSubresource = colorLayers, .imageExtent = {side, side, 1}});
-        recordBarriers(commands, std::array{barrier(*_noise.image, copyDestination, sampledByFragments)});
+        recordBarriers(commands, std::array{barrier(*_noise.image, copyDestination, sampledByShaders)});
     });
 }
 
@@ -126,8 +126,8 @@ void BareRenderer::writeSets(Slot& slot) {
             "vkAllocateDescriptorSets");
         const vk::DescriptorBufferInfo buffer{.buffer = *style.buffer, .range = VK_WHOLE_SIZE};
         const std::array textures{
-            vk::DescriptorImageInfo{.imageView = *first.view, .imageLayout = sampledByFragments.layout},
-            vk::DescriptorImageInfo{.imageView = *second.view, .imageLayout = sampledByFragments.layout}};
+            vk::DescriptorImageInfo{.imageView = *first.view, .imageLayout = sampledByShaders.layout},
+            vk::DescriptorImageInfo{.imageView = *second.view, .imageLayout = sampledByShaders.layout}};
         const vk::WriteDescriptorSet buffers{.dstSet = sets[0],
                                              .descriptorCount = 1,
                                              .descriptorType = vk::DescriptorType::eUniformBuffer,
@@ -156,8 +156,8 @@ void BareRenderer::draw(const SkyFrame& frame, const BarePicture& picture, BareP
         recordColorPass(slot, frame);
     }
     mark(slot, 1);
-    const auto colorDrawn = barrier(*slot.color.image, colorTarget, sampledByFragments);
-    const auto heightDrawn = barrier(*slot.height.image, colorTarget, sampledByFragments);
+    const auto colorDrawn = barrier(*slot.color.image, colorTarget, sampledByShaders);
+    const auto heightDrawn = barrier(*slot.height.image, colorTarget, sampledByShaders);
     const auto pictureTaken = barrier(picture.image, nothing, colorTarget);
     switch (passes) {
         case BarePasses::Both: recordBarriers(slot.commands, std::array{colorDrawn, heightDrawn, pictureTaken}); break;

@@ -44,6 +44,7 @@ def _colour(frame, plane):
 
 ALL = (_lattice, _banding, _texel_grid, _tone, _mass, _colour)
 FAULTS = (_lattice, _banding, _tone)
+GRAIN = (_texel_grid, _banding)
 
 
 def measures_of_frame(path, kinds=ALL):

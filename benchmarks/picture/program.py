@@ -24,7 +24,7 @@ class Program:
 
     def first_frame(self, seed, settings=()):
         """A frame that the clouds begin with."""
-        return self.draw(f"{self._size}-{seed}{_name(settings)}", seed, settings, "--fps", "1", "--frames", "2")[-1]
+        return self.draw(f"{seed}{_name(settings)}", seed, settings, "--fps", "1", "--frames", "2")[-1]
 
     def frames_around_hues(self, seed):
         """Frames of four hues, a quarter of the circle apart."""
@@ -40,7 +40,7 @@ class Program:
 
     def draw(self, name, seed, settings, *options):
         """Runs the program, and gives the pictures that are then in the folder of that name."""
-        directory = self._directory / name
+        directory = self._directory / f"{self._size}-{name}"
         subprocess.run([self._path, "--headless", "--size", self._size, "--time", str(seed), "--output", directory,
                         *(word for setting in settings for word in ("--set", setting)), *options],
                        check=True, stdout=subprocess.DEVNULL)

@@ -2,7 +2,7 @@
 import concurrent.futures
 import os
 
-from measuring import ALL, FAULTS, measures_of_frame, measures_of_pair
+from measuring import ALL, FAULTS, GRAIN, measures_of_frame, measures_of_pair
 
 ENDS_OF_SETTINGS = [f"{key}={value}" for key in ("Colors", "Brightness", "Speed", "Zoom") for value in (0, 1)]
 
@@ -22,6 +22,12 @@ def survey_of_ends(program, seeds, seeds_in_motion):
     return {setting: [next(measured) for _ in of_setting] for setting, of_setting in calls.items()}
 
 
+def survey_of_grain(program, seeds):
+    """What large screens may show of the intermediate images, and what moves there."""
+    return on_all_cores([call for seed in seeds
+                         for call in ((measures_of_grain, program, seed), (measures_in_motion, program, seed))])
+
+
 def on_all_cores(calls):
     """What these functions with their arguments give, lists of measures, in one list."""
     with concurrent.futures.ProcessPoolExecutor(os.cpu_count()) as workers:
@@ -37,6 +43,10 @@ def measures_around_hues(program, seed):
 def measures_at(program, seed, *settings):
     """Of the first frame; away from the defaults only those of faults."""
     return [measures_of_frame(program.first_frame(seed, settings), FAULTS if settings else ALL)]
+
+
+def measures_of_grain(program, seed):
+    return [measures_of_frame(program.first_frame(seed), GRAIN)]
 
 
 def measures_in_motion(program, seed, *settings):

@@ -1,8 +1,12 @@
 // How fine the clouds are drawn.
 
-// Rows of the intermediate images, filled in when the pipeline is made.
+// What kind of device draws, in Vulkan's numbers (VkPhysicalDeviceType), and the rows of the intermediate images. Both are
+// filled in when the pipeline is made.
+layout(constant_id = 0) const uint deviceKind = 4;
 layout(constant_id = 1) const uint imageRows = 474;
 
-// Wisps are finer than the octaves, for screens so large that those alone would look soft. Below so many rows they would
-// hardly show, and a software driver would compute them all the same, as its branches cost both sides.
-const bool hasWisps = imageRows > 500;
+// Wisps are finer than the octaves, for where those alone would look soft: on large screens, and from near. A software
+// driver would compute them even where their share is nothing, as its branches cost both sides; so there they are left
+// out below a number of rows, which screens from 2880 x 1620 on have, and windows that are higher than wide.
+const bool isSoftwareDevice = deviceKind == 4;
+const bool hasWisps = !isSoftwareDevice || imageRows > 500;

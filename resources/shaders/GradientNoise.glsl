@@ -20,18 +20,19 @@ vec4 textureNumbers(vec2 cell) {
     return textureGather(sampler2D(noiseTexture, repeatingSampler), meetingPoint).wzxy;
 }
 
-// Such numbers from arithmetic, which costs a software driver a quarter of looking them up; other ones for each salt.
-// Rounds of folding the high bits down and multiplying by a large odd number, after Chris Wellons, "Prospecting for Hash
-// Functions" (2018). With one round less the lattice shows as straight threads.
+// Such numbers from arithmetic, which takes a software driver a quarter of the time of a look-up; other ones for each
+// salt. Rounds of folding the high bits down and multiplying by a large odd number, after Chris Wellons, "Prospecting
+// for Hash Functions" (2018), whose numbers they are; those per cell are primes of Yann Collet's xxHash. With a round
+// less the lattice shows as straight threads.
 vec4 hashedNumbers(vec2 cell, int salt) {
-    const ivec2 perCell = ivec2(0x27d4eb2f, 0x165667b1);
-    ivec2 near = ivec2(cell) * perCell;
-    ivec2 far = near + perCell;
-    ivec4 mixed = ivec4(near.x, far.x, near.x, far.x) ^ (ivec4(near.yy, far.yy) + salt);
-    mixed = (mixed ^ (mixed >> 15)) * 0x2c1b3c6d;
-    mixed = (mixed ^ (mixed >> 12)) * 0x297a2d39;
+    const uvec2 perCell = uvec2(0x27d4eb2fu, 0x165667b1u);
+    uvec2 near = uvec2(ivec2(cell)) * perCell;
+    uvec2 far = near + perCell;
+    uvec4 mixed = uvec4(near.x, far.x, near.x, far.x) ^ (uvec4(near.yy, far.yy) + uint(salt));
+    mixed = (mixed ^ (mixed >> 15)) * 0x2c1b3c6du;
+    mixed = (mixed ^ (mixed >> 12)) * 0x297a2d39u;
     mixed ^= mixed >> 15;
-    return vec4(mixed) / 2147483648.0;
+    return vec4(ivec4(mixed)) / 2147483648.0;
 }
 
 // A quarter of cos(pi v) and of sin(pi v) for v in [-1, 1], each as two parabolas. A random number thereby becomes a

@@ -6,7 +6,7 @@
 // A slow, coarse "weather" shapes the large masses, fans the hues and makes everything flow. Four octaves of noise lie
 // over it. What the three finer ones add carries a signed weight that follows the mass: on the heights they are rounded
 // billows with dark creases, in the valleys (weight negative) bright threads, and in between, where the weight passes
-// through zero, there is haze. Large screens have wisps besides, which are finer still.
+// through zero, there is haze. Wisps are finer still; they are not counted among the octaves, and not drawn everywhere.
 
 #include "Palette.glsl"
 #define VARYING in
@@ -44,16 +44,21 @@ struct Octave {
     Noise noise;
 };
 
-// Samples are carried along the weather's contours and up its slopes.
+// Samples are carried along the weather's contours and up its slopes, by so much of the slope.
+const float flow = 0.2;
+
 Place placeInFlow(vec2 position, Noise weather) {
     vec2 along = vec2(-weather.slope.y, weather.slope.x);
-    return Place(position, 0.2 * (along + weather.slope));
+    return Place(position, flow * (along + weather.slope));
 }
 
 // The displacement goes with the position into the finer octave, a little weaker each time and swollen by the coarser
 // octave's slope: so fine detail flows with the large forms and does not turn into fur.
+const float flowKept = 0.8;
+const float swelling = 0.03;
+
 Place finerPlace(Octave coarser) {
-    vec2 displacement = 0.8 * coarser.place.displacement + 0.03 * coarser.noise.slope;
+    vec2 displacement = flowKept * coarser.place.displacement + swelling * coarser.noise.slope;
     return Place(octaveTransform * coarser.place.position, octaveTransform * displacement);
 }
 
@@ -88,6 +93,35 @@ Billow billow(Octave octave, Octave coarser, float softness) {
     return Billow(squared * inverseRoot - 0.25, x * inverseRoot);
 }
 
+// Softness of the creases, in squared values of noise: wider the finer they are, or they would be lines.
+const float softOfLarge = 0.015;
+const float softOfMiddle = 0.035;
+const float softOfFine = 0.045;
+const float softOfWisps = 0.10;
+
+// What the broad forms make of the mass, where all of them are about -1 to 1.
+const float massOfFirst = 0.35;
+const float massOfWeather = 0.25;
+
+// The signed weight of detail, from the broad forms: above zero where they are at rest, so that there is more cloud than
+// haze, and held where they are extreme.
+const float weightAtRest = 0.27;
+const float weightGain = 1.75;
+const float weatherInWeight = 0.6;
+
+float weightOfDetail(float first, float weather) {
+    return clamp(weightAtRest + weightGain * (first + weatherInWeight * weather), -1.0, 1.3);
+}
+
+// Finer detail gathers on the large billows and leaves their creases clear: from 0.3 in a crease to 1.4 on a crown.
+float gathering(Billow large) {
+    return clamp(0.68 + 1.2 * large.value, 0.3, 1.4);
+}
+
+// From mass to what is held between -1 and 1 as the height: steeply, and a little lower, for deeper valleys.
+const float heightGain = 2.07;
+const float heightLoss = 0.09;
+
 void main() {
     Noise weather = weatherAt(cellPosition);
     Octave first = octaveAt(placeInFlow(cellPosition, weather));
@@ -99,48 +133,50 @@ void main() {
         wisps = wispsAt(finerPlace(fourth));
     }
 
-    // The signed weight of detail, from the broad mass.
-    float weight = clamp(0.27 + 1.75 * (first.noise.value + 0.6 * weather.value), -1.0, 1.3);
-    Billow large = billow(second, first, 0.015);
-    Billow middle = billow(third, second, 0.035);
-    Billow fine = billow(fourth, third, 0.045);
-    Billow wispy = billow(wisps, fourth, 0.10);
+    Billow large = billow(second, first, softOfLarge);
+    Billow middle = billow(third, second, softOfMiddle);
+    Billow fine = billow(fourth, third, softOfFine);
+    Billow wispy = billow(wisps, fourth, softOfWisps);
 
-    // Finer detail gathers on the large billows and leaves their creases clear.
-    float fineWeight = weight * clamp(0.5 + 1.2 * (large.value + 0.15), 0.3, 1.4);
+    float weight = weightOfDetail(first.noise.value, weather.value);
+    float fineWeight = weight * gathering(large);
     float largeShare = octaveShares[0] * weight;
     float middleShare = octaveShares[1] * fineWeight;
     float fineShare = octaveShares[2] * fineWeight;
     float wispShare = hasWisps ? octaveShares[3] * fineWeight : 0.0;
 
-    float mass = 0.35 * first.noise.value + 0.25 * weather.value;
+    float mass = massOfFirst * first.noise.value + massOfWeather * weather.value;
     mass += largeShare * large.value + middleShare * middle.value + fineShare * fine.value + wispShare * wispy.value;
 
     // What the mass gains where each octave rises, by the chain rule: from the finest to the broadest, each brought into
-    // the plane of the one before it by the transform. The weights' own slopes count little, but for the first.
+    // the plane of the one before it by the transform. Left out are the displacement's own slope and those of the finer
+    // shares: light that is a third off by them still models the same forms.
     float byLarge = largeShare * large.rise;
     float byMiddle = middleShare * middle.rise;
     float byFine = fineShare * fine.rise;
     float byWisps = wispShare * wispy.rise;
-    float byWeight = 0.5 * large.value;
+    float byWeight = weightGain * octaveShares[0] * large.value;
     vec2 massSlope = byWisps * wisps.noise.slope;
     massSlope = massSlope * octaveTransform + (byFine + lean * byWisps) * fourth.noise.slope;
     massSlope = massSlope * octaveTransform + (byMiddle + lean * byFine) * third.noise.slope;
     massSlope = massSlope * octaveTransform + (byLarge + lean * byMiddle) * second.noise.slope;
-    massSlope = massSlope * octaveTransform + (0.35 + lean * byLarge + byWeight) * first.noise.slope;
-    massSlope += weatherCellsPerCell * (0.25 + 0.6 * byWeight) * weather.slope;
+    massSlope = massSlope * octaveTransform + (massOfFirst + lean * byLarge + byWeight) * first.noise.slope;
+    massSlope += weatherCellsPerCell * (massOfWeather + weatherInWeight * byWeight) * weather.slope;
 
-    float limited = 2.07 * mass - 0.09;
-    float height = 0.5 + 0.5 * softLimit(limited);
+    float unlimited = heightGain * mass - heightLoss;
+    float height = 0.5 + 0.5 * softLimit(unlimited);
 
-    float limitedSlope = inversesqrt(1.0 + limited * limited);
-    vec2 heightSlope = 0.5 * 2.07 * limitedSlope * limitedSlope * limitedSlope * massSlope;
+    // The slope of the soft limit is the third power of this.
+    float inverseRoot = inversesqrt(1.0 + unlimited * unlimited);
+    vec2 heightSlope = 0.5 * heightGain * inverseRoot * inverseRoot * inverseRoot * massSlope;
 
-    // The glow is the light on the broad forms alone.
+    // The glow is the light on the broad forms alone; the fan of hues follows the weather and a little its slope, so that
+    // it does not end where the weather does.
     vec2 broadSlope = first.noise.slope + 0.35 * weight * large.rise * (second.noise.slope * octaveTransform);
     float glow = softLimit(0.4 * dot(broadSlope, lightFallsUp));
     float fan = weather.value + 0.22 * weather.slope.x;
 
+    // Depths lose their light with the setting's darkness, from just above the lowest to two thirds of the height.
     vec3 color = cloudColor(CloudPoint(height, glow, weather.value, fan), palette);
     float lit = rise(height + 0.10 * glow, 0.05, 1.43);
     color *= fullColor + darkening * lit;

@@ -17,7 +17,8 @@ void recordBufferBarrier(const vk::raii::CommandBuffer& commands, vk::Buffer buf
     const vk::BufferMemoryBarrier2 barrier{
         .srcStageMask = use::copyDestination.stages,
         .srcAccessMask = use::copyDestination.access,
-        .dstStageMask = Stage::eHost | Stage::eFragmentShader | Stage::eComputeShader | Stage::eAllTransfer,
+        .dstStageMask =
+            Stage::eHost | Stage::eVertexShader | Stage::eFragmentShader | Stage::eComputeShader | Stage::eAllTransfer,
         .dstAccessMask = Access::eHostRead | Access::eUniformRead | Access::eTransferRead | Access::eTransferWrite,
         .srcQueueFamilyIndex = VK_QUEUE_FAMILY_IGNORED,
         .dstQueueFamilyIndex = VK_QUEUE_FAMILY_IGNORED,

@@ -13,11 +13,11 @@ using Stage = vk::PipelineStageFlagBits2;
 using Access = vk::AccessFlagBits2;
 
 const ImageUse undefined{.layout = vk::ImageLayout::eUndefined, .stages = {}, .access = {}};
-const ImageUse sampled{.layout = vk::ImageLayout::eShaderReadOnlyOptimal,
-                       .stages = Stage::eFragmentShader | Stage::eComputeShader,
-                       .access = Access::eShaderSampledRead};
+const vk::PipelineStageFlags2 shaders = Stage::eVertexShader | Stage::eFragmentShader | Stage::eComputeShader;
+const ImageUse sampled{
+    .layout = vk::ImageLayout::eShaderReadOnlyOptimal, .stages = shaders, .access = Access::eShaderSampledRead};
 const ImageUse stored{.layout = vk::ImageLayout::eGeneral,
-                      .stages = Stage::eFragmentShader | Stage::eComputeShader,
+                      .stages = shaders,
                       .access = Access::eShaderSampledRead | Access::eShaderStorageRead | Access::eShaderStorageWrite};
 const ImageUse colorTarget{.layout = vk::ImageLayout::eColorAttachmentOptimal,
                            .stages = Stage::eColorAttachmentOutput,

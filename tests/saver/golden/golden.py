@@ -26,6 +26,7 @@ class GoldenFrame:
     number: int = 2
     rate: int = 1  # Hz: at 1 clouds have faded in with the second frame
     settings: tuple = ()
+    size: str = SIZE
 
     @property
     def approved(self):
@@ -35,7 +36,7 @@ class GoldenFrame:
         """The picture's path. Given settings come after the frame's own."""
         words = [word for setting in self.settings + settings for word in ("--set", setting)]
         directory = pathlib.Path(directory) / self.name
-        subprocess.run([program, "--headless", "--size", SIZE, "--time", str(self.seed), "--fps", str(self.rate),
+        subprocess.run([program, "--headless", "--size", self.size, "--time", str(self.seed), "--fps", str(self.rate),
                         "--frames", str(self.number), "--output", directory, *words],
                        check=True, stdout=subprocess.DEVNULL)
         return directory / f"frame-{self.number:06}.png"
@@ -48,6 +49,7 @@ GOLDEN_FRAMES = (
     GoldenFrame("vivid-and-dark", 15, settings=("Colors=1", "Brightness=0")),
     GoldenFrame("near-and-grey", 40, settings=("Zoom=0", "Colors=0")),
     GoldenFrame("far-and-bright", 74, settings=("Zoom=1", "Brightness=1")),
+    GoldenFrame("enlarged-with-wisps", 32, size="600x800"),
 )
 
 
