@@ -119,6 +119,25 @@ TEST_F(QZLCirranePicture, SettingsShowInIt) {
     EXPECT_GT(chromaOf(), 2.0 * pale);
 }
 
+TEST_F(QZLCirranePicture, AStepOfASliderMakesNoJump) {
+    auto& defaults = QZLDefaultsManager::sharedInstance();
+    clock.setCalendarSeconds(7);
+    constexpr float step = 0.001F;  // of the sheet's sliders
+    using Setter = void (QZLDefaultsManager::*)(float);
+    for (const Setter set :
+         {&QZLDefaultsManager::setColors, &QZLDefaultsManager::setBrightness, &QZLDefaultsManager::setZoom}) {
+        for (const float value : {0.0F, 0.33F, 0.66F, 0.999F}) {
+            (defaults.*set)(value);
+            const Pixels before = draw(*attachedRenderer(320, 180));
+            (defaults.*set)(value + step);
+            const Pixels after = draw(*attachedRenderer(320, 180));
+            EXPECT_LE(differenceBetween(before, after).largest, 12) << value;
+            EXPECT_LT(differenceBetween(before, after).mean, 0.6) << value;
+        }
+        (defaults.*set)(0.4F);
+    }
+}
+
 TEST_F(QZLCirranePicture, TinyViewsWork) {
     for (const auto& [width, height] : {std::pair{1.0, 1.0}, {3.0, 2.0}, {1.0, 64.0}, {64.0, 1.0}}) {
         const auto renderer = attachedRenderer(width, height);
