@@ -61,13 +61,18 @@ vk::raii::ShaderModule makeModule(const BareDevice& device, const std::filesyste
     return {device.handle(), vk::ShaderModuleCreateInfo{.codeSize = bytes.size(), .pCode = words.data()}};
 }
 
-/// `rows`, of the intermediate images, becomes specialisation constant 1.
+/// Specialisation constant 0 is the device's kind; `rows`, of the intermediate images, becomes constant 1.
 vk::raii::Pipeline makePipeline(const BareDevice& device, const BarePipelines& pipelines, vk::ShaderModule module,
                                 const char* vertexFunction, const char* fragmentFunction,
                                 const std::vector<vk::Format>& formats, std::uint32_t rows) {
-    const vk::SpecializationMapEntry entry{.constantID = 1, .size = sizeof(rows)};
-    const vk::SpecializationInfo constants{
-        .mapEntryCount = 1, .pMapEntries = &entry, .dataSize = sizeof(rows), .pData = &rows};
+    const std::array values{static_cast<std::uint32_t>(device.physicalDevice().getProperties().deviceType), rows};
+    const std::array entries{
+        vk::SpecializationMapEntry{.constantID = 0, .offset = 0, .size = sizeof(std::uint32_t)},
+        vk::SpecializationMapEntry{.constantID = 1, .offset = sizeof(std::uint32_t), .size = sizeof(std::uint32_t)}};
+    const vk::SpecializationInfo constants{.mapEntryCount = static_cast<std::uint32_t>(entries.size()),
+                                           .pMapEntries = entries.data(),
+                                           .dataSize = sizeof(values),
+                                           .pData = values.data()};
     const auto stage = [&](vk::ShaderStageFlagBits bit, const char* function) {
         return vk::PipelineShaderStageCreateInfo{
             .stage = bit, .module = module, .pName = function, .pSpecializationInfo = &constants};

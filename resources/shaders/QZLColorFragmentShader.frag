@@ -24,8 +24,6 @@ layout(set = 2, binding = 0) uniform sampler repeatingSampler;
 #include "GradientNoise.glsl"
 #include "Relief.glsl"
 
-// Every other lattice of noise lies turned by an eighth: so their directions do not add up to a grid.
-
 const float weatherCellsPerCell = 0.31;
 const vec2 weatherOrigin = vec2(10.5, 5.3);  // any place where it does not start on a corner of the lattice
 
@@ -70,6 +68,7 @@ Octave octaveAt(Place place) {
     return Octave(place, noiseOfTexture(sampled(place)));
 }
 
+// Every other lattice lies turned by an eighth: so their directions do not add up to a grid.
 Octave turnedOctaveAt(Place place) {
     return Octave(place, turnedBack(noiseOfTexture(turned(sampled(place)))));
 }
@@ -176,7 +175,7 @@ void main() {
     float glow = softLimit(0.4 * dot(broadSlope, lightFallsUp));
     float fan = weather.value + 0.22 * weather.slope.x;
 
-    // Depths lose their light with the setting's darkness, from just above the lowest to two thirds of the height.
+    // Depths lose their light with the setting's darkness; from three quarters of the height on nothing does.
     vec3 color = cloudColor(CloudPoint(height, glow, weather.value, fan), palette);
     float lit = rise(height + 0.10 * glow, 0.05, 1.43);
     color *= fullColor + darkening * lit;

@@ -4,8 +4,8 @@
 // Places the colour pass's quad. Its texture positions lie on the noise plane, in noise-texture widths, y up.
 //
 // Seen from near, the region would hold less than one cloud, and from far so many that they turn into a texture. So
-// clouds grow and shrink with the region, around its centre: at zoom 0 by 0.62, at zoom 1 by 1.6 less than it. Its centre
-// drifts over the plane as it should; measured in clouds, and so to the eye, slower from near and faster from far.
+// more of the plane is shown around the region's centre than the region at zoom 0, 1.6 times its height, and less at
+// zoom 1, 0.6 times. The centre drifts as it should; to the eye that is slower from near and faster from far.
 
 layout(set = 0, binding = 0) uniform ColorStyle {
     vec4 octaveTransform;  // two columns
